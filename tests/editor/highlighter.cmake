@@ -1,0 +1,1 @@
+# Colouring engine tests.

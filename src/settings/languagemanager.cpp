@@ -1,5 +1,6 @@
 #include "languagemanager.h"
 
+#include "appsettings.h"
 #include "localizedtext.h"
 
 #include <QLocale>
@@ -21,8 +22,7 @@ LanguageManager::LanguageManager(QSettings *settings, PreferredLanguages preferr
 
 LanguageManager *LanguageManager::shared()
 {
-    static QSettings settings;
-    static LanguageManager instance(&settings);
+    static LanguageManager instance(applicationSettings());
     return &instance;
 }
 

@@ -1,0 +1,148 @@
+#pragma once
+
+#include "knowledgeitem.h"
+#include "sqldocument.h"
+#include "sqlversion.h"
+
+#include <QMap>
+#include <QObject>
+#include <QSet>
+#include <QStringList>
+
+#include <memory>
+#include <optional>
+
+class QSettings;
+class StoreWriter;
+
+using VersionMap = QMap<QUuid, QList<SQLVersion>>;
+
+// The one store of everything the user writes: documents, their versions and the knowledge
+// items, held in memory, loaded once at construction and written back as three JSON files.
+//
+// Writes are durable and atomic, and happen on a background thread from immutable snapshots
+// of the collections, so that saving never stalls the window; `flush()` waits for them.
+// A file that exists but cannot be read is moved aside, never overwritten.
+class DataStore : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(QList<SQLDocument> documents READ documents NOTIFY documentsChanged)
+    Q_PROPERTY(VersionMap versions READ versions NOTIFY versionsChanged)
+    Q_PROPERTY(QList<KnowledgeItem> knowledgeItems READ knowledgeItems NOTIFY knowledgeItemsChanged)
+    Q_PROPERTY(QUuid selectedDocumentId READ selectedDocumentId WRITE setSelectedDocumentId NOTIFY
+                   selectedDocumentIdChanged)
+    Q_PROPERTY(bool isLoading READ isLoading NOTIFY isLoadingChanged)
+    Q_PROPERTY(bool knowledgeAutoRecordingEnabled READ knowledgeAutoRecordingEnabled WRITE
+                   setKnowledgeAutoRecordingEnabled NOTIFY knowledgeAutoRecordingEnabledChanged)
+    Q_PROPERTY(QStringList setAsideFiles READ setAsideFiles NOTIFY setAsideFilesChanged)
+
+public:
+    static constexpr QLatin1StringView knowledgeAutoKey{"knowledge_auto_recording_enabled"};
+    static constexpr QLatin1StringView lastOpenedDocKey{"last_opened_document_id"};
+    static constexpr QLatin1StringView documentsFileName{"sql_documents.json"};
+    static constexpr QLatin1StringView versionsFileName{"sql_versions.json"};
+    static constexpr QLatin1StringView knowledgeFileName{"knowledge_items.json"};
+
+    // A store on `dataDirectory` (made 0700 if missing) with preferences in `settings`, which
+    // must outlive the store. Loads at once.
+    DataStore(const QString &dataDirectory, QSettings *settings, QObject *parent = nullptr);
+    // Waits for pending writes.
+    ~DataStore() override;
+
+    // The application's store, made on first use: the "Varnholt" folder of the per-user
+    // application data location, with the default settings.
+    [[nodiscard]] static DataStore *shared();
+    [[nodiscard]] static QString defaultDataDirectory();
+
+    [[nodiscard]] const QList<SQLDocument> &documents() const { return m_documents; }
+    [[nodiscard]] const VersionMap &versions() const { return m_versions; }
+    [[nodiscard]] const QList<KnowledgeItem> &knowledgeItems() const { return m_knowledgeItems; }
+    [[nodiscard]] QUuid selectedDocumentId() const { return m_selectedDocumentId; }
+    void setSelectedDocumentId(const QUuid &id);
+    [[nodiscard]] bool isLoading() const { return m_isLoading; }
+
+    [[nodiscard]] std::optional<SQLDocument> selectedDocument() const;
+    [[nodiscard]] std::optional<SQLDocument> document(const QUuid &id) const;
+    [[nodiscard]] QList<SQLVersion> selectedDocumentVersions() const;
+
+    [[nodiscard]] std::optional<QUuid> lastOpenedDocumentId() const;
+    void setLastOpenedDocumentId(const std::optional<QUuid> &id);
+
+    // Files the store found damaged or unreadable at start and moved aside, full paths.
+    [[nodiscard]] QStringList setAsideFiles() const { return m_setAsideFiles; }
+    [[nodiscard]] QString dataDirectory() const { return m_dataDirectory; }
+
+    // Writes the collections that changed since their last successful write. Returns at
+    // once; the files are written in order on the store's writer thread.
+    void saveData();
+    // The knowledge file alone.
+    void saveKnowledge();
+    // Blocks until every requested write has finished (at quit, and in tests).
+    void flush();
+
+    // Documents
+    SQLDocument createDocument(const QString &name, const QString &content);
+    void deleteDocument(const QUuid &id);
+    void setDocumentName(const QUuid &documentId, const QString &name);
+    void updateDocumentContent(const QUuid &documentId, const QString &content);
+    void applyContentToSelectedDocument(const QString &content);
+    // The sidebar's listing: newest first, filtered by name when `searchText` is not empty.
+    [[nodiscard]] QList<SQLDocument> sidebarDocuments(const QString &searchText) const;
+
+    // Versions
+    std::optional<SQLVersion> saveVersion(const QUuid &documentId, const QString &note);
+    void restoreVersion(const SQLVersion &version);
+    void clearVersions(const QUuid &documentId);
+    // Highest number first.
+    [[nodiscard]] QList<SQLVersion> versionsForDocument(const QUuid &documentId) const;
+
+    // Knowledge
+    [[nodiscard]] bool knowledgeAutoRecordingEnabled() const;
+    void setKnowledgeAutoRecordingEnabled(bool enabled);
+    KnowledgeItem addKnowledgeItem(KnowledgeCategory category, const QString &content,
+                                   KnowledgeSource source);
+    void updateKnowledgeItem(const QUuid &id, std::optional<KnowledgeCategory> category,
+                             std::optional<QString> content);
+    void deleteKnowledgeItem(const QUuid &id);
+    [[nodiscard]] static QSet<QString> extractKnowledgeKeywords(const QString &text);
+    [[nodiscard]] static bool hasKeywordConflict(const QSet<QString> &sharedKeywords);
+    [[nodiscard]] std::optional<KnowledgeItem>
+    findConflictingKnowledgeItem(KnowledgeCategory category, const QSet<QString> &keywords) const;
+
+Q_SIGNALS:
+    void documentsChanged();
+    // Finer notices for list models, sent together with documentsChanged.
+    void documentUpdated(const QUuid &id);
+    void versionsChanged();
+    void knowledgeItemsChanged();
+    void selectedDocumentIdChanged();
+    void isLoadingChanged();
+    void knowledgeAutoRecordingEnabledChanged();
+    void setAsideFilesChanged();
+
+private:
+    enum class Collection { Documents, Versions, Knowledge };
+
+    void loadData();
+    void setIsLoading(bool loading);
+    void selectAndRemember(const QUuid &id);
+    void markChanged(Collection collection);
+    void requestWrite(Collection collection);
+    [[nodiscard]] qsizetype indexOfDocument(const QUuid &id) const;
+
+    QList<SQLDocument> m_documents;
+    VersionMap m_versions;
+    QList<KnowledgeItem> m_knowledgeItems;
+    QUuid m_selectedDocumentId;
+    bool m_isLoading = false;
+
+    QString m_dataDirectory;
+    QSettings *m_settings = nullptr;
+    QStringList m_setAsideFiles;
+    // Files that could be neither read nor moved aside: never written over.
+    bool m_unwritable[3] = {false, false, false};
+    // Bumped at every change of a collection; a collection is written when its generation
+    // differs from the one last written.
+    quint64 m_generation[3] = {1, 1, 1};
+    std::unique_ptr<StoreWriter> m_writer;
+};

@@ -1,0 +1,332 @@
+#include "storecodec.h"
+
+#include "jsonreader.h"
+#include "jsonwriter.h"
+
+#include <bitset>
+
+using namespace Qt::StringLiterals;
+
+namespace StoreCodec {
+
+namespace {
+
+// Room for the keys, indents and dates of a record beside its strings.
+constexpr qsizetype recordOverhead = 320;
+
+bool isDigits(QStringView text)
+{
+    for (QChar c : text) {
+        if (c < u'0' || c > u'9')
+            return false;
+    }
+    return true;
+}
+
+// Reads an array of objects, calling `readMember(key, reader, record, seen)` for each member.
+// A record counts only when all `requiredKeys` were seen.
+template<typename Record, size_t KeyCount, typename ReadMember>
+std::optional<QList<Record>> decodeArray(const QByteArray &json, QString *error,
+                                         const std::array<QLatin1StringView, KeyCount> &requiredKeys,
+                                         ReadMember readMember)
+{
+    JsonReader reader(json);
+    QList<Record> records;
+    const auto failWith = [&](const QString &why) -> std::optional<QList<Record>> {
+        if (error)
+            *error = why;
+        return std::nullopt;
+    };
+    if (!reader.beginArray())
+        return failWith(reader.error());
+    while (reader.nextElement()) {
+        if (!reader.beginObject())
+            return failWith(reader.error());
+        Record record;
+        std::bitset<KeyCount> seen;
+        QString key;
+        while (reader.nextKey(key)) {
+            qsizetype index = -1;
+            for (size_t i = 0; i < KeyCount; ++i) {
+                if (key == requiredKeys[i]) {
+                    index = qsizetype(i);
+                    break;
+                }
+            }
+            if (index < 0) {
+                if (!reader.skipValue())
+                    return failWith(reader.error());
+                continue;
+            }
+            if (!readMember(index, reader, record)) {
+                return failWith(reader.failed()
+                                    ? reader.error()
+                                    : u"bad value for \"%1\" in record %2"_s.arg(key).arg(records.size()));
+            }
+            seen.set(size_t(index));
+        }
+        if (reader.failed())
+            return failWith(reader.error());
+        if (!seen.all()) {
+            for (size_t i = 0; i < KeyCount; ++i) {
+                if (!seen.test(i))
+                    return failWith(u"record %1 lacks \"%2\""_s.arg(records.size()).arg(requiredKeys[i]));
+            }
+        }
+        records.append(std::move(record));
+    }
+    if (reader.failed())
+        return failWith(reader.error());
+    if (!reader.atEnd())
+        return failWith(reader.failed() ? reader.error() : u"text after the array"_s);
+    return records;
+}
+
+bool readUuid(JsonReader &reader, QUuid &value)
+{
+    QString text;
+    if (!reader.readString(text))
+        return false;
+    const auto parsed = parseUuid(text);
+    if (parsed)
+        value = *parsed;
+    return parsed.has_value();
+}
+
+bool readDate(JsonReader &reader, QDateTime &value)
+{
+    QString text;
+    if (!reader.readString(text))
+        return false;
+    const auto parsed = parseDate(text);
+    if (parsed)
+        value = *parsed;
+    return parsed.has_value();
+}
+
+bool readStringList(JsonReader &reader, QStringList &value)
+{
+    if (!reader.beginArray())
+        return false;
+    while (reader.nextElement()) {
+        QString item;
+        if (!reader.readString(item))
+            return false;
+        value.append(std::move(item));
+    }
+    return !reader.failed();
+}
+
+} // namespace
+
+std::optional<QDateTime> parseDate(QStringView text)
+{
+    if (text.size() != 20 || text[4] != u'-' || text[7] != u'-' || text[10] != u'T' || text[13] != u':' ||
+        text[16] != u':' || text[19] != u'Z')
+        return std::nullopt;
+    for (qsizetype at : {0, 5, 8, 11, 14, 17}) {
+        if (!isDigits(text.sliced(at, at == 0 ? 4 : 2)))
+            return std::nullopt;
+    }
+    const QDate date(text.sliced(0, 4).toInt(), text.sliced(5, 2).toInt(), text.sliced(8, 2).toInt());
+    const QTime time(text.sliced(11, 2).toInt(), text.sliced(14, 2).toInt(), text.sliced(17, 2).toInt());
+    if (!date.isValid() || !time.isValid())
+        return std::nullopt;
+    return QDateTime(date, time, Qt::UTC);
+}
+
+std::optional<QUuid> parseUuid(QStringView text)
+{
+    if (text.size() != 36)
+        return std::nullopt;
+    for (qsizetype i = 0; i < 36; ++i) {
+        const QChar c = text[i];
+        const bool dash = i == 8 || i == 13 || i == 18 || i == 23;
+        const char16_t u = c.unicode();
+        const bool hex = (u >= u'0' && u <= u'9') || (u >= u'a' && u <= u'f') || (u >= u'A' && u <= u'F');
+        if (dash ? u != u'-' : !hex)
+            return std::nullopt;
+    }
+    const QUuid id = QUuid::fromString(text);
+    if (id.isNull() && text != u"00000000-0000-0000-0000-000000000000")
+        return std::nullopt;
+    return id;
+}
+
+QByteArray encodeDocuments(const QList<SQLDocument> &documents)
+{
+    qsizetype expected = 8;
+    for (const SQLDocument &document : documents)
+        expected += recordOverhead + document.name.size() + document.content.size() * 11 / 10;
+    JsonWriter writer(expected);
+    writer.beginArray();
+    for (const SQLDocument &document : documents) {
+        writer.beginObject();
+        writer.key("id"_L1);
+        writer.uuid(document.id);
+        writer.key("name"_L1);
+        writer.string(document.name);
+        writer.key("content"_L1);
+        writer.string(document.content);
+        writer.key("createdAt"_L1);
+        writer.date(document.createdAt);
+        writer.key("updatedAt"_L1);
+        writer.date(document.updatedAt);
+        writer.key("tags"_L1);
+        writer.beginArray();
+        for (const QString &tag : document.tags)
+            writer.string(tag);
+        writer.endArray();
+        writer.key("isFavorite"_L1);
+        writer.boolean(document.isFavorite);
+        writer.endObject();
+    }
+    writer.endArray();
+    return writer.take();
+}
+
+QByteArray encodeVersions(const QMap<QUuid, QList<SQLVersion>> &versions)
+{
+    qsizetype expected = 8;
+    for (const QList<SQLVersion> &list : versions) {
+        for (const SQLVersion &version : list)
+            expected += recordOverhead + version.note.size() + version.content.size() * 11 / 10;
+    }
+    JsonWriter writer(expected);
+    writer.beginArray();
+    for (const QList<SQLVersion> &list : versions) {
+        for (const SQLVersion &version : list) {
+            writer.beginObject();
+            writer.key("id"_L1);
+            writer.uuid(version.id);
+            writer.key("documentId"_L1);
+            writer.uuid(version.documentId);
+            writer.key("content"_L1);
+            writer.string(version.content);
+            writer.key("note"_L1);
+            writer.string(version.note);
+            writer.key("createdAt"_L1);
+            writer.date(version.createdAt);
+            writer.key("versionNumber"_L1);
+            writer.integer(version.versionNumber);
+            writer.endObject();
+        }
+    }
+    writer.endArray();
+    return writer.take();
+}
+
+QByteArray encodeKnowledge(const QList<KnowledgeItem> &items)
+{
+    JsonWriter writer(8 + items.size() * (recordOverhead + 64));
+    writer.beginArray();
+    for (const KnowledgeItem &item : items) {
+        writer.beginObject();
+        writer.key("id"_L1);
+        writer.uuid(item.id);
+        writer.key("category"_L1);
+        writer.string(KnowledgeEnums::rawValue(item.category));
+        writer.key("content"_L1);
+        writer.string(item.content);
+        writer.key("source"_L1);
+        writer.string(KnowledgeEnums::rawValue(item.source));
+        writer.key("createdAt"_L1);
+        writer.date(item.createdAt);
+        writer.key("updatedAt"_L1);
+        writer.date(item.updatedAt);
+        writer.endObject();
+    }
+    writer.endArray();
+    return writer.take();
+}
+
+std::optional<QList<SQLDocument>> decodeDocuments(const QByteArray &json, QString *error)
+{
+    static constexpr std::array keys{"id"_L1,        "name"_L1, "content"_L1,   "createdAt"_L1,
+                                     "updatedAt"_L1, "tags"_L1, "isFavorite"_L1};
+    return decodeArray<SQLDocument>(json, error, keys, [](qsizetype key, JsonReader &reader, SQLDocument &d) {
+        switch (key) {
+        case 0:
+            return readUuid(reader, d.id);
+        case 1:
+            return reader.readString(d.name);
+        case 2:
+            return reader.readString(d.content);
+        case 3:
+            return readDate(reader, d.createdAt);
+        case 4:
+            return readDate(reader, d.updatedAt);
+        case 5:
+            d.tags.clear();
+            return readStringList(reader, d.tags);
+        default:
+            return reader.readBool(d.isFavorite);
+        }
+    });
+}
+
+std::optional<QList<SQLVersion>> decodeVersions(const QByteArray &json, QString *error)
+{
+    static constexpr std::array keys{"id"_L1,   "documentId"_L1, "content"_L1,
+                                     "note"_L1, "createdAt"_L1,  "versionNumber"_L1};
+    return decodeArray<SQLVersion>(json, error, keys, [](qsizetype key, JsonReader &reader, SQLVersion &v) {
+        switch (key) {
+        case 0:
+            return readUuid(reader, v.id);
+        case 1:
+            return readUuid(reader, v.documentId);
+        case 2:
+            return reader.readString(v.content);
+        case 3:
+            return reader.readString(v.note);
+        case 4:
+            return readDate(reader, v.createdAt);
+        default:
+            return reader.readInt64(v.versionNumber);
+        }
+    });
+}
+
+std::optional<QList<KnowledgeItem>> decodeKnowledge(const QByteArray &json, QString *error)
+{
+    static constexpr std::array keys{"id"_L1,     "category"_L1,  "content"_L1,
+                                     "source"_L1, "createdAt"_L1, "updatedAt"_L1};
+    return decodeArray<KnowledgeItem>(json, error, keys,
+                                      [](qsizetype key, JsonReader &reader, KnowledgeItem &k) {
+                                          QString raw;
+                                          switch (key) {
+                                          case 0:
+                                              return readUuid(reader, k.id);
+                                          case 1: {
+                                              if (!reader.readString(raw))
+                                                  return false;
+                                              const auto category = KnowledgeEnums::categoryFromRawValue(raw);
+                                              k.category = category.value_or(KnowledgeCategory::Other);
+                                              return category.has_value();
+                                          }
+                                          case 2:
+                                              return reader.readString(k.content);
+                                          case 3: {
+                                              if (!reader.readString(raw))
+                                                  return false;
+                                              const auto source = KnowledgeEnums::sourceFromRawValue(raw);
+                                              k.source = source.value_or(KnowledgeSource::UserAdded);
+                                              return source.has_value();
+                                          }
+                                          case 4:
+                                              return readDate(reader, k.createdAt);
+                                          default:
+                                              return readDate(reader, k.updatedAt);
+                                          }
+                                      });
+}
+
+QMap<QUuid, QList<SQLVersion>> groupVersions(const QList<SQLVersion> &versions)
+{
+    QMap<QUuid, QList<SQLVersion>> grouped;
+    for (const SQLVersion &version : versions)
+        grouped[version.documentId].append(version);
+    return grouped;
+}
+
+} // namespace StoreCodec

@@ -412,7 +412,11 @@ bool JsonReader::atEnd()
 bool JsonReader::validate(const QByteArray &json, QString *error)
 {
     JsonReader reader(json);
-    const bool ok = reader.skipValue() && reader.atEnd();
+    // A JSON text is an object or an array, as the original decoder insists.
+    reader.skipWhitespace();
+    const bool container = reader.m_pos < reader.m_end && (*reader.m_pos == '[' || *reader.m_pos == '{');
+    const bool ok =
+        (container || reader.fail("expected an object or an array")) && reader.skipValue() && reader.atEnd();
     if (!ok && error)
         *error = reader.failed() ? reader.error() : u"text after the value"_s;
     return ok;

@@ -32,7 +32,7 @@ public:
     [[nodiscard]] bool failed() const { return !m_error.isEmpty(); }
     [[nodiscard]] QString error() const { return m_error; }
 
-    // Checks that `json` is one valid JSON text.
+    // Checks that `json` is one valid JSON text, an object or an array.
     [[nodiscard]] static bool validate(const QByteArray &json, QString *error = nullptr);
 
 private:

@@ -111,8 +111,17 @@ void DataStore::loadData()
             return;
         const int slot = int(collection);
         if (file.open(QIODevice::ReadOnly)) {
-            const QByteArray bytes = file.readAll();
-            if (file.error() == QFileDevice::NoError && decodeAndAssign(bytes)) {
+            // Mapping spares a copy of what can be hundreds of megabytes; reading is the
+            // fallback for files that cannot be mapped (empty ones included).
+            const qint64 size = file.size();
+            uchar *mapped = size > 0 ? file.map(0, size) : nullptr;
+            const QByteArray bytes =
+                mapped ? QByteArray::fromRawData(reinterpret_cast<const char *>(mapped), size)
+                       : file.readAll();
+            const bool decoded = file.error() == QFileDevice::NoError && decodeAndAssign(bytes);
+            if (mapped)
+                file.unmap(mapped);
+            if (decoded) {
                 m_writer->markWritten(slot, m_generation[slot]);
                 return;
             }
@@ -134,7 +143,7 @@ void DataStore::loadData()
     load(Collection::Versions, versionsFileName, [this](const QByteArray &bytes) {
         auto versions = StoreCodec::decodeVersions(bytes);
         if (versions)
-            m_versions = StoreCodec::groupVersions(*versions);
+            m_versions = StoreCodec::groupVersions(std::move(*versions));
         return versions.has_value();
     });
     load(Collection::Knowledge, knowledgeFileName, [this](const QByteArray &bytes) {

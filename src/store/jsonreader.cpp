@@ -131,6 +131,8 @@ bool JsonReader::nextElement()
         m_first = false;
         return false;
     }
+    if (m_openEnded && m_pos == m_end)
+        return false;
     if (!m_first && !expect(',', "expected ',' or ']'"))
         return false;
     m_first = false;
@@ -174,13 +176,29 @@ bool JsonReader::readString(QString &value)
 bool JsonReader::readStringRaw(QString *value)
 {
     ++m_pos; // opening quote
+    // Plain runs are copied and escapes decoded into one UTF-8 buffer, converted once at the
+    // end: SQL text has an escaped line feed on every line.
+    thread_local QByteArray buffer;
+    buffer.resize(0);
     const char *runStart = m_pos;
-    // Plain text runs are decoded in one go; escapes are rare in SQL.
-    QString result;
-    const auto flushRun = [&] {
-        if (value && m_pos > runStart)
-            result.append(QString::fromUtf8(runStart, m_pos - runStart));
+    const auto appendUtf8 = [](char32_t u) {
+        if (u < 0x80) {
+            buffer.append(char(u));
+        } else if (u < 0x800) {
+            buffer.append(char(0xC0 | (u >> 6)));
+            buffer.append(char(0x80 | (u & 0x3F)));
+        } else if (u < 0x10000) {
+            buffer.append(char(0xE0 | (u >> 12)));
+            buffer.append(char(0x80 | ((u >> 6) & 0x3F)));
+            buffer.append(char(0x80 | (u & 0x3F)));
+        } else {
+            buffer.append(char(0xF0 | (u >> 18)));
+            buffer.append(char(0x80 | ((u >> 12) & 0x3F)));
+            buffer.append(char(0x80 | ((u >> 6) & 0x3F)));
+            buffer.append(char(0x80 | (u & 0x3F)));
+        }
     };
+    bool escaped = false;
     while (true) {
         const char *stop = m_pos;
         while (stop < m_end && *stop != '"' && *stop != '\\' && uchar(*stop) >= 0x20)
@@ -188,38 +206,32 @@ bool JsonReader::readStringRaw(QString *value)
         m_pos = stop;
         if (m_pos >= m_end)
             return fail("unterminated string");
+        if (value && escaped)
+            buffer.append(runStart, m_pos - runStart);
         const char c = *m_pos;
         if (c == '"') {
             if (value) {
-                if (result.isEmpty())
-                    *value = QString::fromUtf8(runStart, m_pos - runStart);
-                else {
-                    flushRun();
-                    *value = std::move(result);
-                }
+                *value = escaped ? QString::fromUtf8(buffer) : QString::fromUtf8(runStart, m_pos - runStart);
             }
             ++m_pos;
             return true;
         }
         if (c != '\\')
             return fail("control character inside a string");
-        flushRun();
-        if (value && result.isNull())
-            result = QString(u""_s);
+        if (value && !escaped) {
+            buffer.append(runStart, m_pos - runStart);
+            escaped = true;
+        }
         if (m_end - m_pos < 2)
             return fail("unterminated escape");
         const char escape = m_pos[1];
         m_pos += 2;
-        char16_t decoded = 0;
+        char32_t decoded = 0;
         switch (escape) {
         case '"':
-            decoded = u'"';
-            break;
         case '\\':
-            decoded = u'\\';
-            break;
         case '/':
-            decoded = u'/';
+            decoded = char32_t(escape);
             break;
         case 'b':
             decoded = u'\b';
@@ -251,23 +263,20 @@ bool JsonReader::readStringRaw(QString *value)
                 *unit = char16_t(code);
                 return true;
             };
-            if (!readHex(&decoded))
+            char16_t unit = 0;
+            if (!readHex(&unit))
                 return fail("bad \\u escape");
-            if (QChar::isLowSurrogate(decoded))
+            if (QChar::isLowSurrogate(unit))
                 return fail("unpaired surrogate");
-            if (QChar::isHighSurrogate(decoded)) {
+            decoded = unit;
+            if (QChar::isHighSurrogate(unit)) {
                 char16_t low = 0;
                 if (m_end - m_pos < 2 || m_pos[0] != '\\' || m_pos[1] != 'u')
                     return fail("unpaired surrogate");
                 m_pos += 2;
                 if (!readHex(&low) || !QChar::isLowSurrogate(low))
                     return fail("unpaired surrogate");
-                if (value) {
-                    result.append(QChar(decoded));
-                    result.append(QChar(low));
-                }
-                runStart = m_pos;
-                continue;
+                decoded = QChar::surrogateToUcs4(unit, low);
             }
             break;
         }
@@ -275,7 +284,7 @@ bool JsonReader::readStringRaw(QString *value)
             return fail("unknown escape");
         }
         if (value)
-            result.append(QChar(decoded));
+            appendUtf8(decoded);
         runStart = m_pos;
     }
 }

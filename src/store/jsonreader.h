@@ -15,6 +15,11 @@ public:
     explicit JsonReader(const QByteArray &json);
 
     bool beginArray();
+    // For a piece of a larger array cut after a separating comma: reads on as if just after
+    // the opening bracket.
+    void continueArray() { m_first = true; }
+    // For a piece cut before a separating comma: the end of the text ends the array.
+    void setOpenEnded(bool openEnded) { m_openEnded = openEnded; }
     // True when another element follows, false at the closing bracket or on a fault.
     bool nextElement();
     bool beginObject();
@@ -51,5 +56,6 @@ private:
     const char *m_end = nullptr;
     // Whether the next element or key of the innermost open container is its first.
     bool m_first = true;
+    bool m_openEnded = false;
     QString m_error;
 };

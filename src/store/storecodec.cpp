@@ -3,7 +3,11 @@
 #include "jsonreader.h"
 #include "jsonwriter.h"
 
+#include <QThread>
+
 #include <bitset>
+#include <future>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -25,20 +29,33 @@ bool isDigits(QStringView text)
 
 // Reads an array of objects, calling `readMember(key, reader, record, seen)` for each member.
 // A record counts only when all `requiredKeys` were seen.
+// Where a piece of an array starts and ends: with its brackets, or cut at a comma.
+struct Piece
+{
+    QByteArray text;
+    bool opening = true;
+    bool closing = true;
+};
+
 template<typename Record, size_t KeyCount, typename ReadMember>
-std::optional<QList<Record>> decodeArray(const QByteArray &json, QString *error,
+std::optional<QList<Record>> decodePiece(const Piece &piece, QString *error,
                                          const std::array<QLatin1StringView, KeyCount> &requiredKeys,
                                          ReadMember readMember)
 {
-    JsonReader reader(json);
+    JsonReader reader(piece.text);
     QList<Record> records;
     const auto failWith = [&](const QString &why) -> std::optional<QList<Record>> {
         if (error)
             *error = why;
         return std::nullopt;
     };
-    if (!reader.beginArray())
+    if (reader.failed())
         return failWith(reader.error());
+    if (!piece.opening)
+        reader.continueArray();
+    else if (!reader.beginArray())
+        return failWith(reader.error());
+    reader.setOpenEnded(!piece.closing);
     while (reader.nextElement()) {
         if (!reader.beginObject())
             return failWith(reader.error());
@@ -77,8 +94,70 @@ std::optional<QList<Record>> decodeArray(const QByteArray &json, QString *error,
     }
     if (reader.failed())
         return failWith(reader.error());
-    if (!reader.atEnd())
+    if (piece.closing && !reader.atEnd())
         return failWith(reader.failed() ? reader.error() : u"text after the array"_s);
+    return records;
+}
+
+// Splits a large file in our own pretty-printed form into pieces at separators between
+// top-level records. "\n  },\n  {\n" is structural wherever it stands, since a string cannot
+// hold a raw line feed: if it stood inside a string, the piece before it would fail to
+// decode, so cutting there never lets an invalid file pass.
+QList<Piece> splitForThreads(const QByteArray &json)
+{
+    static constexpr qsizetype minimumPiece = 8 << 20;
+    static constexpr QByteArrayView separator("\n  },\n  {\n");
+    const int threads = std::max(1, QThread::idealThreadCount());
+    QList<Piece> pieces;
+    if (json.size() < 2 * minimumPiece || threads < 2 || !json.startsWith('['))
+        return {Piece{json}};
+    const qsizetype count = std::min<qsizetype>(threads, json.size() / minimumPiece);
+    qsizetype start = 0;
+    for (qsizetype i = 1; i < count; ++i) {
+        const qsizetype found = json.indexOf(separator, std::max(start, json.size() * i / count));
+        if (found < 0)
+            break;
+        const qsizetype comma = found + 4; // after "\n  }"
+        pieces.append(
+            Piece{QByteArray::fromRawData(json.constData() + start, comma - start), start == 0, false});
+        start = comma + 1;
+    }
+    pieces.append(
+        Piece{QByteArray::fromRawData(json.constData() + start, json.size() - start), start == 0, true});
+    return pieces;
+}
+
+// Decodes the pieces of a large file on several threads; the records keep file order.
+template<typename Record, size_t KeyCount, typename ReadMember>
+std::optional<QList<Record>> decodeArray(const QByteArray &json, QString *error,
+                                         const std::array<QLatin1StringView, KeyCount> &requiredKeys,
+                                         ReadMember readMember)
+{
+    const QList<Piece> pieces = splitForThreads(json);
+    if (pieces.size() == 1)
+        return decodePiece<Record>(pieces.constFirst(), error, requiredKeys, readMember);
+    std::vector<std::future<std::pair<std::optional<QList<Record>>, QString>>> results;
+    for (const Piece &piece : pieces) {
+        results.push_back(std::async(std::launch::async, [&piece, &requiredKeys, readMember] {
+            QString why;
+            auto records = decodePiece<Record>(piece, &why, requiredKeys, readMember);
+            return std::pair(std::move(records), why);
+        }));
+    }
+    QList<Record> records;
+    std::optional<QString> failure;
+    for (auto &result : results) {
+        auto [piece, why] = result.get();
+        if (!piece && !failure)
+            failure = why;
+        else if (piece && !failure)
+            records.append(std::move(*piece));
+    }
+    if (failure) {
+        if (error)
+            *error = *failure;
+        return std::nullopt;
+    }
     return records;
 }
 
@@ -321,11 +400,11 @@ std::optional<QList<KnowledgeItem>> decodeKnowledge(const QByteArray &json, QStr
                                       });
 }
 
-QMap<QUuid, QList<SQLVersion>> groupVersions(const QList<SQLVersion> &versions)
+QMap<QUuid, QList<SQLVersion>> groupVersions(QList<SQLVersion> versions)
 {
     QMap<QUuid, QList<SQLVersion>> grouped;
-    for (const SQLVersion &version : versions)
-        grouped[version.documentId].append(version);
+    for (SQLVersion &version : versions)
+        grouped[version.documentId].append(std::move(version));
     return grouped;
 }
 

@@ -28,7 +28,7 @@ namespace StoreCodec {
                                                                   QString *error = nullptr);
 
 // Groups a flat list of versions by document, each group in list order.
-[[nodiscard]] QMap<QUuid, QList<SQLVersion>> groupVersions(const QList<SQLVersion> &versions);
+[[nodiscard]] QMap<QUuid, QList<SQLVersion>> groupVersions(QList<SQLVersion> versions);
 
 // "YYYY-MM-DDTHH:MM:SSZ" only; and a 36-character UUID in either case.
 [[nodiscard]] std::optional<QDateTime> parseDate(QStringView text);

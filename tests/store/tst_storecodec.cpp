@@ -181,6 +181,36 @@ private Q_SLOTS:
         QVERIFY(items && items->size() == 1 && items->constFirst() == item);
     }
 
+    // Large files are decoded in pieces on several threads; the result must not differ, and
+    // a fault must still fail the whole file.
+    void largeFilesDecodeInPieces()
+    {
+        QMap<QUuid, QList<SQLVersion>> versions;
+        const QString content = u"SELECT * FROM t WHERE a = '\n  },\n  {\n' -- 注释\n"_s.repeated(40);
+        for (int d = 0; d < 400; ++d) {
+            const QUuid owner = QUuid::createUuid();
+            for (int v = 1; v <= 25; ++v)
+                versions[owner].append(SQLVersion{QUuid::createUuid(), owner, content + QString::number(v),
+                                                  u"n"_s, utc(2026, 3, 1, 9, 0, v), v});
+        }
+        const QByteArray json = StoreCodec::encodeVersions(versions);
+        QVERIFY(json.size() > 16 << 20); // large enough to be cut
+        const auto decoded = StoreCodec::decodeVersions(json);
+        QVERIFY(decoded);
+        QCOMPARE(StoreCodec::groupVersions(*decoded), versions);
+
+        // A raw line feed inside a string, shaped like a record separator, near each cut.
+        for (const double at : {0.25, 0.5, 0.75}) {
+            QByteArray broken = json;
+            const qsizetype string = broken.indexOf("\"content\" : \"", qsizetype(broken.size() * at));
+            broken.insert(string + 14, "\n  },\n  {\n");
+            QVERIFY(!StoreCodec::decodeVersions(broken));
+        }
+        QByteArray truncated = json;
+        truncated.chop(1);
+        QVERIFY(!StoreCodec::decodeVersions(truncated));
+    }
+
     void readsWhatOthersMayWrite()
     {
         // Lower-case ids, unknown keys, keys in another order, compact form.

@@ -1,0 +1,114 @@
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Layouts
+import Varnholt
+
+// Asks for the name of a new document. An empty name gives the default name of the
+// language in force; any other text is taken as typed.
+Popup {
+    id: sheet
+
+    property alias nameField: nameField
+
+    signal createRequested(string name)
+
+    function cancel() {
+        nameField.text = ""
+        close()
+    }
+    function create() {
+        createRequested(nameField.text)
+        nameField.text = ""
+        close()
+    }
+
+    parent: Overlay.overlay
+    anchors.centerIn: parent
+    width: 320
+    modal: true
+    focus: true
+    padding: 24
+    closePolicy: Popup.CloseOnEscape
+    onOpened: nameField.forceActiveFocus()
+    onClosed: nameField.text = ""
+
+    background: Rectangle {
+        radius: 12
+        color: Theme.windowBackground
+        border.color: Theme.separator
+    }
+
+    Shortcut {
+        sequences: ["Ctrl+Esc"]
+        enabled: sheet.opened
+        onActivated: sheet.cancel()
+    }
+    Shortcut {
+        sequences: ["Ctrl+Return", "Ctrl+Enter"]
+        enabled: sheet.opened
+        onActivated: sheet.create()
+    }
+
+    contentItem: ColumnLayout {
+        spacing: 20
+
+        RowLayout {
+            spacing: 10
+
+            Icon {
+                name: "doc.badge.plus"
+                color: Theme.cyan
+                size: 20
+            }
+            Label {
+                Layout.fillWidth: true
+                text: Tr.t("New SQL Document", "新建 SQL 文档", "新規 SQL ドキュメント")
+                font.pixelSize: Theme.headlineSize
+                font.weight: Font.DemiBold
+                color: Theme.label
+            }
+        }
+
+        ColumnLayout {
+            spacing: 6
+
+            Label {
+                text: Tr.t("Document Name", "文档名称", "ドキュメント名")
+                font.pixelSize: Theme.subheadlineSize
+                color: Theme.secondaryLabel
+            }
+            TextField {
+                id: nameField
+
+                Layout.fillWidth: true
+                placeholderText: Tr.t("Untitled SQL", "未命名 SQL", "無題の SQL")
+                font.pixelSize: Theme.bodySize
+                padding: 10
+                Accessible.name: Tr.t("Document Name", "文档名称", "ドキュメント名")
+                onAccepted: sheet.create()
+                background: Rectangle {
+                    radius: 8
+                    color: Theme.alpha(Theme.controlBackground, 0.5)
+                    border.width: nameField.activeFocus ? 2 : 1
+                    border.color: nameField.activeFocus ? Theme.alpha(Theme.cyan, 0.7) : Theme.alpha(Theme.separator, 0.5)
+                }
+            }
+        }
+
+        RowLayout {
+            spacing: 12
+
+            SheetButton {
+                Layout.fillWidth: true
+                text: Tr.t("Cancel", "取消", "キャンセル")
+                onClicked: sheet.cancel()
+            }
+            SheetButton {
+                Layout.fillWidth: true
+                text: Tr.t("Create", "创建", "作成")
+                tint: Theme.cyan
+                onClicked: sheet.create()
+            }
+        }
+    }
+}

@@ -1,0 +1,313 @@
+pragma ComponentBehavior: Bound
+
+import QtQuick
+import QtQuick.Controls
+import Varnholt
+
+// The left column: the product's mark, the search field, the documents newest first, and
+// a footer with the new-document button and the count. Deleting a row crumples it and
+// throws it away before the store lets the document go.
+Rectangle {
+    id: sidebar
+
+    objectName: "sidebar"
+    enum DeleteAnimationPhase {
+        Idle,
+        Crumpling,
+        Throwing,
+        Completed
+    }
+
+    property string hoveredDocumentId: ""
+    property string deletingDocumentId: ""
+    property int deleteAnimationPhase: SidebarView.DeleteAnimationPhase.Idle
+    readonly property alias model: documents
+    readonly property alias searchField: searchField
+    readonly property alias newDocumentSheet: newDocumentSheet
+
+    // Starts the deletion of a row: crumple now, throw at 0.35 s, delete at 0.6 s, tidy up
+    // at 0.7 s. Each deletion keeps its own timers and its own id.
+    function startDeletion(documentId: string) {
+        deletingDocumentId = documentId
+        deleteAnimationPhase = SidebarView.DeleteAnimationPhase.Idle
+        deleteAnimationPhase = SidebarView.DeleteAnimationPhase.Crumpling
+        deletionSteps.createObject(sidebar, {
+            "documentId": documentId
+        })
+    }
+
+    color: Theme.controlBackground
+
+    DocumentListModel {
+        id: documents
+    }
+
+    Component {
+        id: deletionSteps
+
+        Item {
+            id: steps
+
+            required property string documentId
+
+            Timer {
+                interval: 350
+                running: true
+                onTriggered: sidebar.deleteAnimationPhase = SidebarView.DeleteAnimationPhase.Throwing
+            }
+            Timer {
+                interval: 600
+                running: true
+                onTriggered: {
+                    sidebar.deleteAnimationPhase = SidebarView.DeleteAnimationPhase.Completed
+                    documents.deleteDocument(steps.documentId)
+                    tidy.start()
+                }
+            }
+            Timer {
+                id: tidy
+
+                interval: 100
+                onTriggered: {
+                    sidebar.deletingDocumentId = ""
+                    sidebar.deleteAnimationPhase = SidebarView.DeleteAnimationPhase.Idle
+                    steps.destroy()
+                }
+            }
+        }
+    }
+
+    Column {
+        anchors.fill: parent
+        spacing: 0
+
+        // Header
+        Row {
+            id: header
+
+            leftPadding: 16
+            rightPadding: 16
+            topPadding: 12
+            bottomPadding: 12
+            spacing: 10
+            width: parent.width
+
+            Rectangle {
+                width: 28
+                height: 28
+                radius: 7
+                gradient: Gradient {
+                    GradientStop {
+                        position: 0
+                        color: Theme.cyan
+                    }
+                    GradientStop {
+                        position: 1
+                        color: Theme.blue
+                    }
+                }
+
+                Icon {
+                    anchors.centerIn: parent
+                    name: "doc.text"
+                    color: "white"
+                    size: 16
+                }
+            }
+            Label {
+                anchors.verticalCenter: parent.verticalCenter
+                text: "Varnholt"
+                color: Theme.label
+                font.pixelSize: Theme.title3Size
+                font.weight: Font.DemiBold
+            }
+        }
+
+        // Search
+        Item {
+            width: parent.width
+            height: searchBox.height + 16
+
+            Rectangle {
+                id: searchBox
+
+                x: 12
+                y: 8
+                width: parent.width - 24
+                height: 30
+                radius: 8
+                color: Theme.alpha(Theme.textBackground, 0.5)
+                border.width: searchField.activeFocus ? 2 : 0
+                border.color: Theme.alpha(Theme.cyan, 0.6)
+
+                Icon {
+                    x: 10
+                    anchors.verticalCenter: parent.verticalCenter
+                    name: "magnifyingglass"
+                    color: Theme.secondaryLabel
+                    size: 13
+                }
+                TextField {
+                    id: searchField
+
+                    x: 28
+                    width: parent.width - 34
+                    anchors.verticalCenter: parent.verticalCenter
+                    background: null
+                    padding: 0
+                    font.pixelSize: Theme.bodySize
+                    color: Theme.label
+                    placeholderText: Tr.t("Search SQL...", "搜索 SQL...", "SQL を検索...")
+                    placeholderTextColor: Theme.tertiaryLabel
+                    Accessible.name: placeholderText
+                    onTextChanged: documents.searchText = text
+                    Keys.onDownPressed: list.forceActiveFocus()
+                    Keys.onEscapePressed: text = ""
+                }
+            }
+        }
+
+        // List
+        ListView {
+            id: list
+
+            width: parent.width
+            height: parent.height - header.height - searchBox.height - 16 - footer.height
+            clip: true
+            spacing: 2
+            topMargin: 4
+            bottomMargin: 4
+            model: documents
+            keyNavigationEnabled: false
+            activeFocusOnTab: true
+            boundsBehavior: Flickable.StopAtBounds
+            ScrollBar.vertical: ScrollBar {}
+            Accessible.role: Accessible.List
+            Accessible.name: Tr.t("All Documents", "所有文档", "すべてのドキュメント")
+
+            header: Row {
+                visible: list.count > 0
+                height: visible ? implicitHeight : 0
+                leftPadding: 16
+                rightPadding: 16
+                topPadding: 6
+                bottomPadding: 6
+                spacing: 6
+
+                Icon {
+                    anchors.verticalCenter: parent.verticalCenter
+                    name: "doc.text"
+                    color: Theme.cyan
+                    size: 11
+                }
+                Label {
+                    text: Tr.t("All Documents", "所有文档", "すべてのドキュメント")
+                    font.pixelSize: Theme.captionSize
+                    font.weight: Font.Medium
+                    color: Theme.secondaryLabel
+                }
+            }
+
+            // Arrows move the selection, Delete throws the selected document away.
+            function selectedRow(): int {
+                for (let i = 0; i < count; ++i) {
+                    const item = itemAtIndex(i) as DocumentRow
+                    if (item && item.isSelected)
+                        return i
+                }
+                return -1
+            }
+            function selectRow(row: int) {
+                if (row < 0 || row >= count)
+                    return
+                positionViewAtIndex(row, ListView.Contain)
+                const item = itemAtIndex(row) as DocumentRow
+                if (item)
+                    item.activate()
+            }
+            Keys.onUpPressed: selectRow(Math.max(0, selectedRow() - 1))
+            Keys.onDownPressed: selectRow(selectedRow() < 0 ? 0 : selectedRow() + 1)
+            Keys.onDeletePressed: {
+                const item = itemAtIndex(selectedRow()) as DocumentRow
+                if (item)
+                    sidebar.startDeletion(item.documentId)
+            }
+
+            delegate: DocumentRow {
+                width: list.width
+                hoveredDocumentId: sidebar.hoveredDocumentId
+                deletingDocumentId: sidebar.deletingDocumentId
+                deleteAnimationPhase: sidebar.deleteAnimationPhase
+                listHasFocus: list.activeFocus
+                onHoverChanged: (id, entered) => sidebar.hoveredDocumentId = entered ? id : ""
+                onSelectRequested: id => documents.select(id)
+                onDeleteRequested: id => sidebar.startDeletion(id)
+            }
+        }
+
+        // Footer
+        Rectangle {
+            id: footer
+
+            width: parent.width
+            height: 48
+            color: Theme.controlBackground
+
+            Rectangle {
+                width: parent.width
+                height: 1
+                color: Theme.separator
+            }
+
+            AbstractButton {
+                id: newButton
+
+                x: 16
+                anchors.verticalCenter: parent.verticalCenter
+                height: 30
+                focusPolicy: Qt.StrongFocus
+                Accessible.name: Tr.t("New SQL", "新建 SQL", "新規 SQL")
+                onClicked: newDocumentSheet.open()
+
+                contentItem: Row {
+                    spacing: 6
+
+                    Icon {
+                        anchors.verticalCenter: parent.verticalCenter
+                        name: "plus.circle.fill"
+                        color: Theme.cyan
+                        size: 17
+                    }
+                    Label {
+                        anchors.verticalCenter: parent.verticalCenter
+                        text: newButton.Accessible.name
+                        color: Theme.cyan
+                        font.pixelSize: Theme.bodySize
+                        font.weight: Font.Medium
+                    }
+                }
+                background: Rectangle {
+                    radius: 6
+                    color: newButton.hovered ? Theme.alpha(Theme.cyan, 0.1) : "transparent"
+                    border.width: newButton.visualFocus ? 2 : 0
+                    border.color: Theme.cyan
+                }
+            }
+
+            Label {
+                anchors.right: parent.right
+                anchors.rightMargin: 16
+                anchors.verticalCenter: parent.verticalCenter
+                text: documents.totalCount + " " + Tr.t("documents", "个文档", "件のドキュメント")
+                font.pixelSize: Theme.captionSize
+                color: Theme.tertiaryLabel
+            }
+        }
+    }
+
+    NewDocumentSheet {
+        id: newDocumentSheet
+
+        onCreateRequested: name => documents.createDocument(name)
+    }
+}

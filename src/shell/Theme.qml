@@ -1,0 +1,48 @@
+pragma Singleton
+
+import QtQuick
+
+// Colours, fonts and timings of the views, derived from the system palette so that the
+// window follows light and dark mode.
+QtObject {
+    id: theme
+
+    readonly property SystemPalette palette: SystemPalette {
+        colorGroup: SystemPalette.Active
+    }
+    readonly property bool dark: palette.window.hslLightness < 0.5
+
+    // System colours
+    readonly property color windowBackground: palette.window
+    readonly property color controlBackground: dark ? Qt.lighter(palette.window, 1.15) : Qt.darker(palette.window, 1.015)
+    readonly property color textBackground: palette.base
+    readonly property color label: palette.windowText
+    readonly property color secondaryLabel: alpha(palette.windowText, 0.55)
+    readonly property color tertiaryLabel: alpha(palette.windowText, 0.32)
+    readonly property color quaternaryLabel: alpha(palette.windowText, 0.16)
+    readonly property color separator: alpha(palette.windowText, dark ? 0.22 : 0.14)
+
+    // Accent colours, light and dark forms of the system's own
+    readonly property color cyan: dark ? "#64d2ff" : "#32ade6"
+    readonly property color blue: dark ? "#0a84ff" : "#007aff"
+    readonly property color purple: dark ? "#bf5af2" : "#af52de"
+    readonly property color orange: dark ? "#ff9f0a" : "#ff9500"
+    readonly property color green: dark ? "#30d158" : "#34c759"
+    readonly property color red: dark ? "#ff453a" : "#ff3b30"
+    readonly property color gray: "#8e8e93"
+
+    // Text styles, in pixels
+    readonly property int title2Size: 17
+    readonly property int title3Size: 15
+    readonly property int headlineSize: 13
+    readonly property int bodySize: 13
+    readonly property int subheadlineSize: 11
+    readonly property int captionSize: 10
+    readonly property int caption2Size: 10
+    readonly property string monospaceFamily: "monospace"
+
+    // `c` with its alpha set to `a`.
+    function alpha(c: color, a: real): color {
+        return Qt.rgba(c.r, c.g, c.b, a)
+    }
+}

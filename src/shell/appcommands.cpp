@@ -1,0 +1,21 @@
+#include "appcommands.h"
+
+#include "datastore.h"
+#include "localizedtext.h"
+
+void AppCommands::newDocument()
+{
+    DataStore *store = DataStore::shared();
+    const SQLDocument document =
+        store->createDocument(localized(u"Untitled SQL", u"未命名 SQL", u"無題の SQL"), QString());
+    store->setSelectedDocumentId(document.id);
+}
+
+void AppCommands::quickSave()
+{
+    DataStore *store = DataStore::shared();
+    const QUuid id = store->selectedDocumentId();
+    if (id.isNull())
+        return;
+    store->saveVersion(id, localized(u"Quick save", u"快速保存", u"クイック保存"));
+}

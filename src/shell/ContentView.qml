@@ -36,6 +36,7 @@ Item {
     readonly property real dividerMaxWidth: Math.min(rightPanelMaxWidth, width - sidebarWidth - dividerWidth
                                                      - editorMinWidth - handleWidth)
     readonly property alias controller: controller
+    readonly property alias divider: divider
 
     function setShowVersionHistory(show: bool) {
         rightPanel = show ? ContentView.RightPanelType.VersionHistory : ContentView.RightPanelType.None

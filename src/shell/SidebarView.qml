@@ -1,5 +1,3 @@
-pragma ComponentBehavior: Bound
-
 import QtQuick
 import QtQuick.Controls
 import Varnholt
@@ -24,6 +22,8 @@ Rectangle {
     readonly property alias model: documents
     readonly property alias searchField: searchField
     readonly property alias newDocumentSheet: newDocumentSheet
+    readonly property alias list: list
+    readonly property alias newButton: newButton
 
     // Starts the deletion of a row: crumple now, throw at 0.35 s, delete at 0.6 s, tidy up
     // at 0.7 s. Each deletion keeps its own timers and its own id.
@@ -171,6 +171,7 @@ Rectangle {
         ListView {
             id: list
 
+            objectName: "documentList"
             width: parent.width
             height: parent.height - header.height - searchBox.height - 16 - footer.height
             clip: true

@@ -1,0 +1,68 @@
+import QtQuick
+import QtTest
+import Varnholt
+
+TestCase {
+    id: testCase
+
+    name: "ContentView"
+    width: 1000
+    height: 600
+    visible: true
+    when: windowShown
+
+    Component {
+        id: contentComponent
+
+        ContentView {
+            width: 1000
+            height: 600
+        }
+    }
+
+    function test_widthsAtTheMinimumWindow() {
+        const content = createTemporaryObject(contentComponent, testCase)
+        compare(content.editorWidth, 1000 - 241)
+        tryCompare(content, "windowOpacity", 1, 2000)
+
+        content.setShowVersionHistory(true)
+        tryCompare(content, "panelShownWidth", 320, 1000)
+        compare(content.editorWidth, 435)
+        compare(content.dividerMaxWidth, 355)
+        verify(content.showVersionHistory)
+
+        // The other panel replaces this one in one step; closing either closes all.
+        content.setShowAIAssistant(true)
+        verify(content.showAIAssistant && !content.showVersionHistory)
+        content.setShowVersionHistory(false)
+        compare(content.rightPanel, ContentView.RightPanelType.None)
+        tryCompare(content, "panelShownWidth", 0, 1000)
+        compare(content.editorWidth, 759)
+    }
+
+    function test_dividerDragIsClamped() {
+        const content = createTemporaryObject(contentComponent, testCase)
+        content.setShowAIAssistant(true)
+        tryCompare(content, "panelShownWidth", 320, 1000)
+        const divider = content.divider
+        mousePress(divider, 2, 300)
+        for (let x = 0; x > -400; x -= 40) {
+            mouseMove(divider, 2 + x, 300)
+            wait(20)
+        }
+        mouseRelease(divider, 2 - 400, 300)
+        compare(content.rightPanelWidth, 355)
+
+        mousePress(divider, 2, 300)
+        for (let x = 0; x < 400; x += 40) {
+            mouseMove(divider, 2 + x, 300)
+            wait(20)
+        }
+        mouseRelease(divider, 2 + 400, 300)
+        compare(content.rightPanelWidth, 280)
+
+        // The width is kept for the next panel, of either kind.
+        content.setShowVersionHistory(true)
+        compare(content.rightPanelWidth, 280)
+    }
+}

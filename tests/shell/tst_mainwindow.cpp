@@ -1,0 +1,165 @@
+#include "appdelegate.h"
+#include "appengine.h"
+#include "datastore.h"
+#include "languagemanager.h"
+#include "storecodec.h"
+#include "testenvironment.h"
+
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QQmlApplicationEngine>
+#include <QQuickWindow>
+#include <QSignalSpy>
+#include <QTest>
+#include <QtQml/qqmlextensionplugin.h>
+
+#include <csignal>
+
+using namespace Qt::StringLiterals;
+
+Q_IMPORT_QML_PLUGIN(VarnholtPlugin)
+
+// The main window as a whole, driven by its keys: commands, fades, closing and saving.
+class TestMainWindow : public QObject
+{
+    Q_OBJECT
+
+private:
+    ScratchHome m_home;
+    std::unique_ptr<QQmlApplicationEngine> m_engine;
+    QQuickWindow *m_window = nullptr;
+
+    QQuickWindow *openWindow()
+    {
+        m_engine = std::make_unique<QQmlApplicationEngine>();
+        configureEngine(m_engine.get());
+        m_engine->load(QUrl(u"qrc:/Varnholt/Main.qml"_s));
+        if (m_engine->rootObjects().isEmpty())
+            return nullptr;
+        m_window = qobject_cast<QQuickWindow *>(m_engine->rootObjects().constFirst());
+        m_window->requestActivate();
+        return m_window;
+    }
+
+private Q_SLOTS:
+    void init() { QVERIFY(openWindow()); }
+    void cleanup()
+    {
+        m_engine.reset();
+        m_window = nullptr;
+    }
+
+    void fadesIn()
+    {
+        QObject *content = m_window->findChild<QObject *>(u"contentView"_s);
+        QVERIFY(content);
+        QVERIFY(content->property("opacity").toReal() < 0.5);
+        QTRY_COMPARE_WITH_TIMEOUT(content->property("opacity").toReal(), 1.0, 2000);
+        QCOMPARE(m_window->width(), 1200);
+        QCOMPARE(m_window->height(), 750);
+        QCOMPARE(m_window->minimumWidth(), 1000);
+        QCOMPARE(m_window->minimumHeight(), 600);
+    }
+
+    void commandsWorkOnTheStore()
+    {
+        DataStore *store = DataStore::shared();
+        LanguageManager::shared()->setCurrentLanguage(AppLanguage::Ja);
+        const qsizetype before = store->documents().size();
+        QTest::keyClick(m_window, Qt::Key_N, Qt::ControlModifier);
+        QTRY_COMPARE(store->documents().size(), before + 1);
+        QCOMPARE(store->selectedDocument()->name, u"無題の SQL"_s);
+        QTest::keyClick(m_window, Qt::Key_N, Qt::ControlModifier);
+        QTRY_COMPARE(store->documents().size(), before + 2);
+
+        const QUuid id = store->selectedDocumentId();
+        QTest::keyClick(m_window, Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier);
+        QTRY_COMPARE(store->versionsForDocument(id).size(), 1);
+        QCOMPARE(store->versionsForDocument(id).constFirst().note, u"クイック保存"_s);
+
+        // Without a selection the quick save does nothing.
+        store->setSelectedDocumentId(QUuid());
+        const VersionMap versions = store->versions();
+        QTest::keyClick(m_window, Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier);
+        QTest::qWait(50);
+        QCOMPARE(store->versions(), versions);
+        LanguageManager::shared()->setCurrentLanguage(AppLanguage::En);
+    }
+
+    void closeFadesThenCloses()
+    {
+        QSignalSpy closing(m_window, &QWindow::visibleChanged);
+        m_window->close();
+        QVERIFY(m_window->isVisible()); // the fade runs first
+        QTRY_VERIFY(m_window->opacity() < 1.0);
+        QTRY_VERIFY_WITH_TIMEOUT(!m_window->isVisible(), 2000);
+    }
+
+    void secondCloseDuringFadeClosesAtOnce()
+    {
+        m_window->close();
+        QVERIFY(m_window->isVisible());
+        QTest::qWait(100);
+        m_window->close();
+        QVERIFY(!m_window->isVisible());
+    }
+
+    void quitSavesTheStore()
+    {
+        DataStore *store = DataStore::shared();
+        store->updateDocumentContent(store->documents().constFirst().id, u"SELECT 'saved at quit';"_s);
+        AppDelegate::saveStore(); // what aboutToQuit runs
+        QFile file(m_home.dataFolder() + u"/sql_documents.json"_s);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QVERIFY(file.readAll().contains("saved at quit"));
+    }
+
+    // The real program, ended from outside: the collections it has never written (the store
+    // below has no versions or knowledge file) are written as it ends.
+    void terminationSignalSaves()
+    {
+        ScratchHome home; // the child process inherits this home
+        QDir().mkpath(home.dataFolder());
+        SQLDocument document{QUuid::createUuid(),
+                             u"kept"_s,
+                             u"SELECT 1;"_s,
+                             QDateTime::currentDateTimeUtc(),
+                             QDateTime::currentDateTimeUtc(),
+                             {},
+                             false};
+        QFile documents(home.dataFolder() + u"/sql_documents.json"_s);
+        QVERIFY(documents.open(QIODevice::WriteOnly));
+        documents.write(StoreCodec::encodeDocuments({document}));
+        documents.close();
+
+        QProcess app;
+        app.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        app.start(QStringLiteral(VARNHOLT_EXECUTABLE), {});
+        QVERIFY(app.waitForStarted());
+        // The store remembers the selected document in the settings as it starts.
+        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(home.path() + u"/config/Varnholt/Varnholt.conf"_s), 15000);
+        QVERIFY(!QFile::exists(home.dataFolder() + u"/sql_versions.json"_s));
+        ::kill(pid_t(app.processId()), SIGTERM);
+        QVERIFY(app.waitForFinished(10000));
+        QCOMPARE(app.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(app.exitCode(), 0);
+        QVERIFY(QFile::exists(home.dataFolder() + u"/sql_versions.json"_s));
+        QVERIFY(QFile::exists(home.dataFolder() + u"/knowledge_items.json"_s));
+        QVERIFY(documents.open(QIODevice::ReadOnly));
+        QVERIFY(documents.readAll().contains("kept"));
+    }
+};
+
+int main(int argc, char **argv)
+{
+    // The shared store and settings must live in a scratch home from the very start.
+    static ScratchHome home;
+    QGuiApplication app(argc, argv);
+    QGuiApplication::setApplicationName(u"Varnholt"_s);
+    AppDelegate delegate(&app);
+    TestMainWindow test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_mainwindow.moc"

@@ -8,7 +8,7 @@ packages=(
     qml6-module-qtquick qml6-module-qtquick-controls qml6-module-qtquick-layouts
     qml6-module-qtquick-templates qml6-module-qtquick-window qml6-module-qtqml-workerscript
     qml6-module-qttest qml6-module-qtquick-shapes qml6-module-qtqml-models
-    qt6-svg-dev libqt6svg6 libicu-dev libmd4c-dev libgl-dev libvulkan-dev fonts-noto-cjk
+    qt6-svg-dev libqt6svg6 libicu-dev libmd4c-dev libgl-dev libvulkan-dev fonts-noto-cjk fonts-noto-color-emoji
     xvfb xauth
 )
 sudo=""

@@ -1,38 +1,276 @@
 import QtQuick
 import QtQuick.Controls
+import QtQuick.Layouts
 import Varnholt
 
-// The middle pane. Its interface to the main window: the two panel states come in, requests
-// to change them and the edited text go out.
+// The middle pane: the selected document under a toolbar, or a hint when none is selected.
+// The two panel states come in; requests to change them and the edited text go out.
 Rectangle {
     id: editor
 
     required property bool showVersionHistory
     required property bool showAIAssistant
+    readonly property alias controller: controller
+    readonly property alias saveVersionSheet: saveVersionSheet
+    readonly property alias textEditor: textEditor
 
     signal showVersionHistoryRequested(bool show)
     signal showAIAssistantRequested(bool show)
     signal currentContentEdited(string text)
 
+    function format() {
+        if (controller.hasDocument && !controller.isBlank)
+            controller.formatDocument()
+    }
+    function openSaveVersionSheet() {
+        if (!controller.hasDocument || controller.isBlank)
+            return
+        saveVersionSheet.nextVersionNumber = controller.nextVersionNumber()
+        saveVersionSheet.open()
+    }
+
     color: Theme.textBackground
 
-    Row {
-        anchors.right: parent.right
-        anchors.rightMargin: 12
-        y: 12
-        spacing: 4
+    SQLEditorController {
+        id: controller
 
-        Button {
-            text: Tr.t("AI Assistant", "AI 助手", "AI アシスタント")
-            checkable: true
-            checked: editor.showAIAssistant
-            onClicked: editor.showAIAssistantRequested(!editor.showAIAssistant)
+        onCurrentContentChanged: editor.currentContentEdited(currentContent)
+    }
+
+    Shortcut {
+        sequence: "Ctrl+Shift+F"
+        enabled: controller.hasDocument && !controller.isBlank
+        onActivated: editor.format()
+    }
+    Shortcut {
+        sequence: "Ctrl+S"
+        enabled: controller.hasDocument && !controller.isBlank
+        onActivated: editor.openSaveVersionSheet()
+    }
+
+    ColumnLayout {
+        anchors.fill: parent
+        spacing: 0
+        visible: controller.hasDocument
+
+        // Toolbar
+        Rectangle {
+            Layout.fillWidth: true
+            Layout.preferredHeight: toolbar.implicitHeight + 20
+            color: Theme.alpha(Theme.windowBackground, 0.95)
+
+            RowLayout {
+                id: toolbar
+
+                anchors.fill: parent
+                anchors.leftMargin: 12
+                anchors.rightMargin: 12
+                anchors.topMargin: 12
+                anchors.bottomMargin: 8
+                spacing: 8
+
+                EditableDocumentName {
+                    id: documentName
+
+                    objectName: "documentName"
+                    Layout.fillWidth: true
+                    Layout.maximumWidth: implicitWidth
+                    Layout.minimumWidth: 40
+                    name: controller.documentName
+                    onRenameRequested: name => controller.renameDocument(name)
+                    // A switch to another document ends an editing under way.
+                    Connections {
+                        target: controller
+                        function onDocumentChanged() {
+                            documentName.isEditing = false
+                        }
+                    }
+                }
+                Rectangle {
+                    objectName: "unsavedDot"
+                    visible: controller.hasUnsavedChanges
+                    width: 8
+                    height: 8
+                    radius: 4
+                    color: Theme.orange
+                    Accessible.role: Accessible.Indicator
+                    Accessible.name: Tr.t("Unsaved changes", "有未保存的更改", "未保存の変更")
+                }
+                Item {
+                    Layout.fillWidth: true
+                    Layout.minimumWidth: 8
+                }
+                Label {
+                    objectName: "characterCount"
+                    text: controller.characterCount + " " + Tr.t("characters", "字符", "文字")
+                    font.pixelSize: Theme.captionSize
+                    color: Theme.tertiaryLabel
+                    leftPadding: 6
+                    rightPadding: 6
+                    topPadding: 4
+                    bottomPadding: 4
+                    background: Rectangle {
+                        radius: 4
+                        color: Theme.alpha(Theme.controlBackground, 0.5)
+                    }
+                }
+                AbstractButton {
+                    id: formatButton
+
+                    objectName: "formatButton"
+                    enabled: !controller.isBlank
+                    focusPolicy: Qt.StrongFocus
+                    hoverEnabled: true
+                    text: Tr.t("Format", "美化", "整形")
+                    Accessible.name: text
+                    ToolTip.visible: hovered
+                    ToolTip.delay: 500
+                    ToolTip.text: text + " (Ctrl+Shift+F)"
+                    onClicked: editor.format()
+                    contentItem: Row {
+                        spacing: 4
+                        opacity: formatButton.enabled ? 1 : 0.4
+
+                        Icon {
+                            anchors.verticalCenter: parent.verticalCenter
+                            name: "text.alignleft"
+                            color: Theme.cyan
+                            size: 12
+                        }
+                        Label {
+                            text: formatButton.text
+                            font.pixelSize: Theme.subheadlineSize + 1
+                            color: Theme.cyan
+                        }
+                    }
+                    leftPadding: 10
+                    rightPadding: 10
+                    topPadding: 6
+                    bottomPadding: 6
+                    background: Rectangle {
+                        radius: 6
+                        color: Theme.alpha(Theme.cyan, formatButton.hovered ? 0.18 : 0.1)
+                        border.width: formatButton.visualFocus ? 2 : 0
+                        border.color: Theme.cyan
+                    }
+                }
+                AbstractButton {
+                    id: saveButton
+
+                    objectName: "saveVersionButton"
+                    enabled: !controller.isBlank
+                    focusPolicy: Qt.StrongFocus
+                    hoverEnabled: true
+                    text: Tr.t("Save Version", "保存版本", "バージョンを保存")
+                    Accessible.name: text
+                    ToolTip.visible: hovered
+                    ToolTip.delay: 500
+                    ToolTip.text: text + " (Ctrl+S)"
+                    onClicked: editor.openSaveVersionSheet()
+                    contentItem: Row {
+                        spacing: 4
+
+                        Icon {
+                            anchors.verticalCenter: parent.verticalCenter
+                            name: "clock.arrow.circlepath"
+                            color: saveButton.enabled ? "white" : Theme.secondaryLabel
+                            size: 12
+                        }
+                        Label {
+                            text: saveButton.text
+                            font.pixelSize: Theme.subheadlineSize + 1
+                            color: saveButton.enabled ? "white" : Theme.secondaryLabel
+                        }
+                    }
+                    leftPadding: 10
+                    rightPadding: 10
+                    topPadding: 6
+                    bottomPadding: 6
+                    background: Rectangle {
+                        radius: 6
+                        color: Theme.alpha(Theme.gray, 0.3)
+                        border.width: saveButton.visualFocus ? 2 : 0
+                        border.color: Theme.label
+                        gradient: saveButton.enabled ? enabledGradient : null
+
+                        Gradient {
+                            id: enabledGradient
+
+                            orientation: Gradient.Horizontal
+                            GradientStop {
+                                position: 0
+                                color: saveButton.hovered ? Qt.darker(Theme.cyan, 1.08) : Theme.cyan
+                            }
+                            GradientStop {
+                                position: 1
+                                color: saveButton.hovered ? Qt.darker(Theme.blue, 1.08) : Theme.blue
+                            }
+                        }
+                    }
+                }
+                PanelToggleGroup {
+                    showAIAssistant: editor.showAIAssistant
+                    showVersionHistory: editor.showVersionHistory
+                    onShowAIAssistantRequested: show => editor.showAIAssistantRequested(show)
+                    onShowVersionHistoryRequested: show => editor.showVersionHistoryRequested(show)
+                }
+            }
         }
-        Button {
-            text: Tr.t("Version History", "版本历史", "バージョン履歴")
-            checkable: true
-            checked: editor.showVersionHistory
-            onClicked: editor.showVersionHistoryRequested(!editor.showVersionHistory)
+
+        Rectangle {
+            Layout.fillWidth: true
+            Layout.preferredHeight: 1
+            color: Theme.separator
         }
+
+        SQLTextEditor {
+            id: textEditor
+
+            Layout.fillWidth: true
+            Layout.fillHeight: true
+            controller: controller
+        }
+    }
+
+    // Nothing selected
+    Column {
+        anchors.centerIn: parent
+        spacing: 16
+        visible: !controller.hasDocument
+        width: Math.min(parent.width - 48, 420)
+
+        Icon {
+            anchors.horizontalCenter: parent.horizontalCenter
+            name: "doc.text.magnifyingglass"
+            color: Theme.quaternaryLabel
+            size: 48
+        }
+        Label {
+            width: parent.width
+            horizontalAlignment: Text.AlignHCenter
+            wrapMode: Text.Wrap
+            text: Tr.t("Select or create a SQL document", "选择或创建一个 SQL 文档", "SQL ドキュメントを選択または作成")
+            font.pixelSize: Theme.headlineSize
+            font.weight: Font.DemiBold
+            color: Theme.secondaryLabel
+        }
+        Label {
+            width: parent.width
+            horizontalAlignment: Text.AlignHCenter
+            wrapMode: Text.Wrap
+            text: Tr.t("Select a document from the sidebar, or click 'New SQL' to create one",
+                       "从左侧列表选择文档，或点击「新建 SQL」创建新文档",
+                       "サイドバーからドキュメントを選択するか、「新規 SQL」をクリックして作成")
+            font.pixelSize: Theme.subheadlineSize
+            color: Theme.tertiaryLabel
+        }
+    }
+
+    SaveVersionSheet {
+        id: saveVersionSheet
+
+        objectName: "saveVersionSheet"
+        hasDocument: controller.hasDocument
+        onSaveRequested: note => controller.saveVersion(note)
     }
 }

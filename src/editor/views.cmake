@@ -1,6 +1,13 @@
 # The editor's views and their C++ backing, built into the application's QML module.
 list(APPEND VARNHOLT_VIEW_QML
+    ${CMAKE_CURRENT_LIST_DIR}/EditableDocumentName.qml
+    ${CMAKE_CURRENT_LIST_DIR}/PanelToggleButton.qml
+    ${CMAKE_CURRENT_LIST_DIR}/PanelToggleGroup.qml
+    ${CMAKE_CURRENT_LIST_DIR}/SaveVersionSheet.qml
     ${CMAKE_CURRENT_LIST_DIR}/SQLEditorView.qml
+    ${CMAKE_CURRENT_LIST_DIR}/SQLTextEditor.qml
 )
 list(APPEND VARNHOLT_VIEW_SOURCES
+    ${CMAKE_CURRENT_LIST_DIR}/sqleditorcontroller.cpp ${CMAKE_CURRENT_LIST_DIR}/sqleditorcontroller.h
 )
+list(APPEND VARNHOLT_VIEW_LIBRARIES varnholt_sqlformat)

@@ -1,0 +1,239 @@
+#include "sqleditorcontroller.h"
+
+#include "datastore.h"
+#include "graphemes.h"
+#include "localizedtext.h"
+#include "preferences.h"
+#include "sqlformatter.h"
+
+#include <QQuickTextDocument>
+#include <QTextCursor>
+#include <QTextDocument>
+
+using namespace Qt::StringLiterals;
+
+SQLEditorController::SQLEditorController(QObject *parent)
+    : SQLEditorController(DataStore::shared(), Preferences::shared(), parent)
+{}
+
+SQLEditorController::SQLEditorController(DataStore *store, Preferences *preferences, QObject *parent)
+    : QObject(parent)
+    , m_store(store)
+    , m_preferences(preferences)
+{
+    m_syncTimer.setSingleShot(true);
+    m_syncTimer.setInterval(syncDelayMs);
+    connect(&m_syncTimer, &QTimer::timeout, this, &SQLEditorController::syncNow);
+    m_autoSaveTimer.setSingleShot(true);
+    connect(&m_autoSaveTimer, &QTimer::timeout, this, &SQLEditorController::autoSave);
+
+    connect(store, &DataStore::selectedDocumentIdChanged, this, [this] {
+        // The text typed into the document that goes must reach the store first.
+        syncNow();
+        loadSelectedDocument();
+        if (hasDocument())
+            m_store->setLastOpenedDocumentId(m_documentId);
+        else
+            scheduleAutoSave(true); // the pane goes away
+    });
+    connect(store, &DataStore::documentsChanged, this, [this] {
+        const std::optional<SQLDocument> shown = m_store->document(m_documentId);
+        const QString name = shown ? shown->name : QString();
+        if (name != m_documentName) {
+            m_documentName = name;
+            Q_EMIT documentNameChanged();
+        }
+    });
+    connect(preferences, &Preferences::editorFontSizeChanged, this, &SQLEditorController::fontSizeChanged);
+    loadSelectedDocument();
+}
+
+SQLEditorController::~SQLEditorController()
+{
+    // Leaving the screen saves what is waiting at once.
+    syncNow();
+    if (m_autoSaveTimer.isActive() && m_store)
+        m_store->saveData();
+}
+
+double SQLEditorController::fontSize() const
+{
+    return m_preferences->editorFontSize();
+}
+
+QString SQLEditorController::documentIdText() const
+{
+    return m_documentId.isNull() ? QString() : m_documentId.toString(QUuid::WithoutBraces).toUpper();
+}
+
+void SQLEditorController::setTextDocument(QQuickTextDocument *document)
+{
+    if (m_quickDocument == document)
+        return;
+    m_quickDocument = document;
+    setDocument(document ? document->textDocument() : nullptr);
+    Q_EMIT textDocumentChanged();
+}
+
+void SQLEditorController::setDocument(QTextDocument *document)
+{
+    if (m_document)
+        disconnect(m_document, nullptr, this, nullptr);
+    m_document = document;
+    if (!document)
+        return;
+    connect(document, &QTextDocument::contentsChange, this, &SQLEditorController::onContentsChange);
+    // A new view shows the text it is given, whatever it had.
+    pushText(m_content);
+}
+
+void SQLEditorController::loadSelectedDocument()
+{
+    const std::optional<SQLDocument> selected = m_store ? m_store->selectedDocument() : std::nullopt;
+    if (!selected) {
+        if (!m_documentId.isNull()) {
+            m_documentId = QUuid();
+            Q_EMIT documentChanged();
+        }
+        return; // the text stays as it was until the next load
+    }
+    const bool changed = selected->id != m_documentId;
+    m_documentId = selected->id;
+    if (m_documentName != selected->name) {
+        m_documentName = selected->name;
+        Q_EMIT documentNameChanged();
+    }
+    setHasUnsavedChanges(false);
+    m_dirty = false;
+    m_syncTimer.stop();
+    pushText(selected->content);
+    updateDerived(selected->content);
+    if (changed)
+        Q_EMIT documentChanged();
+}
+
+void SQLEditorController::pushText(const QString &text)
+{
+    if (!m_document)
+        return;
+    m_isUpdatingFromExternal = true;
+    m_document->setPlainText(text);
+    m_isUpdatingFromExternal = false;
+}
+
+void SQLEditorController::onContentsChange(int, int removed, int added)
+{
+    if (m_isUpdatingFromExternal || m_documentId.isNull() || (removed == 0 && added == 0))
+        return;
+    m_dirty = true;
+    setHasUnsavedChanges(true);
+    scheduleAutoSave(false);
+    if (!m_syncTimer.isActive())
+        m_syncTimer.start();
+}
+
+QString SQLEditorController::documentText() const
+{
+    if (!m_document)
+        return m_content;
+    // toPlainText() would turn no-break spaces into blanks; keep the text as typed.
+    QString text = m_document->toRawText();
+    text.replace(QChar::ParagraphSeparator, u'\n');
+    text.replace(QChar::LineSeparator, u'\n');
+    return text;
+}
+
+void SQLEditorController::syncNow()
+{
+    m_syncTimer.stop();
+    if (!m_dirty || !m_store)
+        return;
+    m_dirty = false;
+    const QString text = documentText();
+    m_store->updateDocumentContent(m_documentId, text);
+    updateDerived(text);
+}
+
+void SQLEditorController::updateDerived(const QString &text)
+{
+    if (m_content != text) {
+        m_content = text;
+        Q_EMIT currentContentChanged();
+    }
+    const int count = int(graphemeCount(text));
+    if (count != m_characterCount) {
+        m_characterCount = count;
+        Q_EMIT characterCountChanged();
+    }
+    const bool blank = QStringView(text).trimmed().isEmpty();
+    if (blank != m_isBlank) {
+        m_isBlank = blank;
+        Q_EMIT isBlankChanged();
+    }
+}
+
+void SQLEditorController::scheduleAutoSave(bool immediate)
+{
+    m_autoSaveTimer.start(immediate ? 0 : autoSaveDelayMs);
+}
+
+void SQLEditorController::autoSave()
+{
+    syncNow();
+    if (m_store)
+        m_store->saveData();
+    setHasUnsavedChanges(false);
+}
+
+void SQLEditorController::setHasUnsavedChanges(bool value)
+{
+    if (m_hasUnsavedChanges == value)
+        return;
+    m_hasUnsavedChanges = value;
+    Q_EMIT hasUnsavedChangesChanged();
+}
+
+void SQLEditorController::formatDocument()
+{
+    syncNow();
+    if (m_isBlank || !m_document)
+        return;
+    const QString formatted = formatSQL(m_content);
+    if (formatted == m_content)
+        return;
+    // One edit of the whole text, so that Undo brings the old layout back.
+    QTextCursor cursor(m_document);
+    cursor.beginEditBlock();
+    cursor.select(QTextCursor::Document);
+    cursor.insertText(formatted);
+    cursor.endEditBlock();
+    syncNow();
+}
+
+qint64 SQLEditorController::nextVersionNumber() const
+{
+    qint64 highest = 0;
+    if (m_store) {
+        for (const SQLVersion &version : m_store->versions().value(m_documentId))
+            highest = std::max(highest, version.versionNumber);
+    }
+    return highest + 1;
+}
+
+void SQLEditorController::saveVersion(const QString &note)
+{
+    if (!m_store || m_store->selectedDocumentId().isNull())
+        return;
+    syncNow();
+    const QString chosen =
+        note.isEmpty() ? localized(u"Version update", u"版本更新", u"バージョン更新") : note;
+    m_store->saveVersion(m_store->selectedDocumentId(), chosen);
+    m_store->saveData();
+    setHasUnsavedChanges(false);
+}
+
+void SQLEditorController::renameDocument(const QString &name)
+{
+    if (m_store && !m_documentId.isNull())
+        m_store->setDocumentName(m_documentId, name);
+}

@@ -42,8 +42,9 @@ Item {
         Accessible.name: text
         Accessible.description: Tr.t("Double-click to rename", "双击以重命名", "ダブルクリックで名前を変更")
 
-        TapHandler {
-            onDoubleTapped: control.startEditing()
+        MouseArea {
+            anchors.fill: parent
+            onDoubleClicked: control.startEditing()
         }
     }
 

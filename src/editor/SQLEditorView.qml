@@ -48,6 +48,12 @@ Rectangle {
         onActivated: editor.openSaveVersionSheet()
     }
 
+    Shortcut {
+        sequence: "F2"
+        enabled: controller.hasDocument
+        onActivated: documentName.startEditing()
+    }
+
     ColumnLayout {
         anchors.fill: parent
         spacing: 0

@@ -28,8 +28,17 @@ SQLEditorController::SQLEditorController(DataStore *store, Preferences *preferen
     connect(&m_autoSaveTimer, &QTimer::timeout, this, &SQLEditorController::autoSave);
 
     connect(store, &DataStore::selectedDocumentIdChanged, this, [this] {
-        // The text typed into the document that goes must reach the store first.
-        syncNow();
+        if (m_isSwitching)
+            return;
+        // The text typed into the document that goes must reach the store first. Storing it
+        // selects that document again, so the new selection is put back after it.
+        if (m_dirty) {
+            const QUuid wanted = m_store->selectedDocumentId();
+            m_isSwitching = true;
+            syncNow();
+            m_store->setSelectedDocumentId(wanted);
+            m_isSwitching = false;
+        }
         loadSelectedDocument();
         if (hasDocument())
             m_store->setLastOpenedDocumentId(m_documentId);
@@ -82,6 +91,8 @@ void SQLEditorController::setDocument(QTextDocument *document)
     m_document = document;
     if (!document)
         return;
+    // A document tells of its changes only once it has a layout; a view gives it one.
+    document->documentLayout();
     connect(document, &QTextDocument::contentsChange, this, &SQLEditorController::onContentsChange);
     // A new view shows the text it is given, whatever it had.
     pushText(m_content);

@@ -96,6 +96,7 @@ private:
     QString m_content;
     bool m_hasUnsavedChanges = false;
     bool m_isUpdatingFromExternal = false;
+    bool m_isSwitching = false;
     bool m_dirty = false;
     int m_characterCount = 0;
     bool m_isBlank = true;

@@ -1,0 +1,126 @@
+import QtQuick
+import QtTest
+import Varnholt
+
+TestCase {
+    id: testCase
+
+    name: "EditorScreen"
+    width: 900
+    height: 600
+    visible: true
+    when: windowShown
+
+    property bool versionsRequested: false
+    property bool assistantRequested: false
+
+    Component {
+        id: editorComponent
+
+        SQLEditorView {
+            width: 900
+            height: 600
+            showVersionHistory: false
+            showAIAssistant: false
+            onShowVersionHistoryRequested: show => testCase.versionsRequested = show
+            onShowAIAssistantRequested: show => testCase.assistantRequested = show
+        }
+    }
+
+    function findNamed(root: Item, name: string): Item {
+        if (root.objectName === name)
+            return root
+        for (let i = 0; i < root.children.length; ++i) {
+            const found = findNamed(root.children[i], name)
+            if (found)
+                return found
+        }
+        return null
+    }
+
+    function typeText(text: string) {
+        for (let i = 0; i < text.length; ++i)
+            keyClick(text[i])
+    }
+
+    function test_typingShowsTheDotUntilSaved() {
+        const editor = createTemporaryObject(editorComponent, testCase)
+        const area = editor.textEditor.textArea
+        const dot = findNamed(editor, "unsavedDot")
+        verify(!dot.visible)
+        mouseClick(area, 20, 20)
+        keyClick(Qt.Key_End, Qt.ControlModifier)
+        keyClick("x")
+        verify(dot.visible)
+        tryCompare(dot, "visible", false, 2000)
+    }
+
+    function test_formatAndSaveVersionByKeys() {
+        const editor = createTemporaryObject(editorComponent, testCase)
+        const area = editor.textEditor.textArea
+        area.forceActiveFocus()
+        area.selectAll()
+        typeText("select a,b from t")
+        tryVerify(() => !editor.controller.isBlank)
+        keyClick(Qt.Key_F, Qt.ControlModifier | Qt.ShiftModifier)
+        tryVerify(() => area.text.indexOf("SELECT") === 0)
+        keyClick(Qt.Key_Z, Qt.ControlModifier)
+        tryCompare(area, "text", "select a,b from t")
+
+        keyClick(Qt.Key_S, Qt.ControlModifier)
+        const sheet = editor.saveVersionSheet
+        tryCompare(sheet.noteField, "activeFocus", true)
+        const number = sheet.nextVersionNumber
+        typeText("first cut")
+        keyClick(Qt.Key_Return, Qt.ControlModifier)
+        tryCompare(sheet, "visible", false)
+        compare(editor.controller.nextVersionNumber(), number + 1)
+        verify(!findNamed(editor, "unsavedDot").visible)
+    }
+
+    function test_blankTextDisablesFormatAndSave() {
+        const editor = createTemporaryObject(editorComponent, testCase)
+        const area = editor.textEditor.textArea
+        area.forceActiveFocus()
+        area.selectAll()
+        keyClick(Qt.Key_Space)
+        tryVerify(() => editor.controller.isBlank)
+        verify(!findNamed(editor, "formatButton").enabled)
+        verify(!findNamed(editor, "saveVersionButton").enabled)
+        compare(findNamed(editor, "characterCount").text, "1 characters")
+        keyClick(Qt.Key_S, Qt.ControlModifier)
+        wait(50)
+        verify(!editor.saveVersionSheet.visible)
+    }
+
+    function test_renameByDoubleClick() {
+        const editor = createTemporaryObject(editorComponent, testCase)
+        const name = findNamed(editor, "documentName")
+        const before = editor.controller.documentName
+        mouseClick(name, 5, 5)
+        verify(!name.isEditing) // a single click does nothing
+        wait(Qt.styleHints.mouseDoubleClickInterval + 100)
+        mouseDoubleClickSequence(name, 5, 5)
+        tryCompare(name, "isEditing", true)
+        keyClick(Qt.Key_A, Qt.ControlModifier)
+        keyClick(Qt.Key_Backspace)
+        keyClick(Qt.Key_Return)
+        tryCompare(name, "isEditing", false)
+        compare(editor.controller.documentName, before) // empty keeps the old name
+
+        mouseDoubleClickSequence(name, 5, 5)
+        tryCompare(name, "isEditing", true)
+        keyClick(Qt.Key_A, Qt.ControlModifier)
+        typeText("Renamed")
+        keyClick(Qt.Key_Return)
+        tryCompare(editor.controller, "documentName", "Renamed")
+    }
+
+    function test_panelSwitches() {
+        const editor = createTemporaryObject(editorComponent, testCase)
+        mouseClick(findNamed(editor, "versionsToggle"))
+        verify(testCase.versionsRequested)
+        mouseClick(findNamed(editor, "assistantToggle"))
+        verify(testCase.assistantRequested)
+    }
+}

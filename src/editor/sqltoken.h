@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QStringView>
+
+// The four kinds of token the formatter's tokenizer reads. The kind can always be read back
+// from the text; the tokenizer hands it over so that nobody has to.
+enum class SqlTokenKind : quint8 {
+    Punctuation, // one of ( ) , ;
+    Comment,     // "--" up to, not including, the line feed
+    Quoted,      // a quoted string or name with both quotes, doubled quotes inside
+    Word,        // any other run of characters without white space
+};
+
+// One token: a slice of the text it was read from.
+struct SqlToken
+{
+    QStringView text;
+    SqlTokenKind kind = SqlTokenKind::Word;
+};

@@ -128,7 +128,13 @@ void SQLEditorController::pushText(const QString &text)
     if (!m_document)
         return;
     m_isUpdatingFromExternal = true;
-    m_document->setPlainText(text);
+    // Through the view's own property when there is a view: a text edit whose document is
+    // replaced behind its back keeps stale scene nodes and redraws everything at each key.
+    QObject *view = m_quickDocument ? m_quickDocument->parent() : nullptr;
+    if (view)
+        view->setProperty("text", text);
+    else
+        m_document->setPlainText(text);
     m_isUpdatingFromExternal = false;
 }
 

@@ -1,0 +1,149 @@
+// Window benchmark, in process, with the software renderer: time from start to the first
+// frame with a store of 1,000 documents, and from a keystroke to the next frame in 1 MB and
+// 5 MB documents (plain letters and a quote typed near the top), with the memory used.
+//
+// Usage: QT_QPA_PLATFORM=offscreen QT_QUICK_BACKEND=software bench_window
+#include "appengine.h"
+#include "datastore.h"
+#include "storecodec.h"
+#include "testenvironment.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QGuiApplication>
+#include <QQmlApplicationEngine>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QTest>
+#include <QtQml/qqmlextensionplugin.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <sys/resource.h>
+
+using namespace Qt::StringLiterals;
+
+Q_IMPORT_QML_PLUGIN(VarnholtPlugin)
+
+namespace {
+
+QElapsedTimer processClock;
+
+double peakMegabytes()
+{
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss / 1024.0;
+}
+
+QString corpusText(qsizetype size)
+{
+    QFile file(QStringLiteral(VARNHOLT_BENCH_CORPUS "/sql-10m.sql"));
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("cannot read %s", qPrintable(file.fileName()));
+    QString text = QString::fromUtf8(file.read(size * 2));
+    text.truncate(size);
+    return text.left(text.lastIndexOf(u'\n') + 1);
+}
+
+void writeStore(const QString &folder)
+{
+    QDir().mkpath(folder);
+    QList<SQLDocument> documents;
+    const QString small = corpusText(4000);
+    const QDateTime now = QDateTime::currentDateTimeUtc();
+    for (int i = 0; i < 1000; ++i)
+        documents.append(SQLDocument{QUuid::createUuid(),
+                                     u"Document %1"_s.arg(i),
+                                     small,
+                                     now.addSecs(-i * 60),
+                                     now.addSecs(-i * 60),
+                                     {},
+                                     false});
+    documents.append(
+        SQLDocument{QUuid::createUuid(), u"One megabyte"_s, corpusText(1 << 20), now, now, {}, false});
+    documents.append(
+        SQLDocument{QUuid::createUuid(), u"Five megabytes"_s, corpusText(5 << 20), now, now, {}, false});
+    QFile file(folder + u"/sql_documents.json"_s);
+    if (!file.open(QIODevice::WriteOnly))
+        qFatal("cannot write the store");
+    file.write(StoreCodec::encodeDocuments(documents));
+}
+
+struct Figures
+{
+    double median = 0;
+    double worst = 0;
+};
+
+// Sends `key` to the window `count` times and measures each time to the frame that follows.
+Figures keystrokes(QQuickWindow *window, int count, const std::function<void(int)> &press)
+{
+    QList<double> times;
+    for (int i = 0; i < count; ++i) {
+        bool swapped = false;
+        const auto connection =
+            QObject::connect(window, &QQuickWindow::frameSwapped, [&] { swapped = true; });
+        QElapsedTimer timer;
+        timer.start();
+        press(i);
+        window->requestUpdate();
+        while (!swapped && timer.elapsed() < 2000)
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+        times.append(timer.nsecsElapsed() / 1e6);
+        QObject::disconnect(connection);
+        QTest::qWait(20);
+    }
+    std::sort(times.begin(), times.end());
+    return {times.at(times.size() / 2), times.constLast()};
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    processClock.start();
+    static ScratchHome home;
+    qputenv("QT_QUICK_BACKEND", "software");
+    writeStore(home.dataFolder());
+    const double prepared = processClock.nsecsElapsed() / 1e6;
+
+    QElapsedTimer start;
+    start.start();
+    QGuiApplication app(argc, argv);
+    QGuiApplication::setApplicationName(u"Varnholt"_s);
+    QQmlApplicationEngine engine;
+    configureEngine(&engine);
+    engine.load(QUrl(u"qrc:/Varnholt/Main.qml"_s));
+    auto *window = qobject_cast<QQuickWindow *>(engine.rootObjects().constFirst());
+    bool firstFrame = false;
+    QObject::connect(window, &QQuickWindow::frameSwapped, [&] { firstFrame = true; });
+    while (!firstFrame)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+    std::printf("start to first frame, 1,000 documents: %.0f ms (store files prepared in %.0f ms before)\n",
+                start.nsecsElapsed() / 1e6, prepared);
+    QTest::qWait(1000);
+
+    DataStore *store = DataStore::shared();
+    auto *area = window->findChild<QQuickItem *>(u"sqlTextArea"_s);
+    for (const char *name : {"One megabyte", "Five megabytes"}) {
+        for (const SQLDocument &document : store->documents()) {
+            if (document.name == QLatin1StringView(name))
+                store->setSelectedDocumentId(document.id);
+        }
+        QTest::qWait(1500);
+        area->forceActiveFocus();
+        area->setProperty("cursorPosition", 200);
+        const Figures letters = keystrokes(window, 40, [window](int) { QTest::keyClick(window, Qt::Key_A); });
+        const Figures quotes = keystrokes(window, 10, [window](int i) {
+            QTest::keyClick(window, i % 2 ? Qt::Key_Backspace : Qt::Key_Apostrophe);
+        });
+        std::printf(
+            "%s: keystroke to next frame median %.1f ms, worst %.1f ms; quote near the top median %.1f ms, "
+            "worst %.1f ms\n",
+            name, letters.median, letters.worst, quotes.median, quotes.worst);
+    }
+    std::printf("peak memory: %.0f MB\n", peakMegabytes());
+    return 0;
+}

@@ -169,5 +169,8 @@ void SqlFormatterLayout::write(QStringView text, Ending ending)
     m_ending = ending;
     if (ending == Ending::Blank && nothingWritten())
         return;
-    m_out.append(text);
+    if (text.size() == 1)
+        m_out.append(text.front());
+    else
+        m_out.append(text);
 }

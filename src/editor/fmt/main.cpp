@@ -8,6 +8,7 @@
 #include <QFileInfo>
 #include <QStringDecoder>
 
+#include <csignal>
 #include <cstdio>
 #include <new>
 #include <optional>
@@ -164,6 +165,8 @@ ExitStatus run(const QStringList &names, Mode mode)
 
 int main(int argc, char *argv[])
 {
+    // A write past the file size limit is an error to report (the original stays), not a crash.
+    std::signal(SIGXFSZ, SIG_IGN);
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(u"varnholt-fmt"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral("0.1.0"));

@@ -10,38 +10,10 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-bool isBlank(QStringView text)
-{
-    for (qsizetype i = 0; i < text.size();) {
-        const qsizetype space = SqlTokenChars::whiteSpaceAt(text, i);
-        if (space == 0)
-            return false;
-        i += space;
-    }
-    return true;
-}
-
 QStringView trimmed(QStringView text)
 {
-    qsizetype start = 0;
-    while (start < text.size()) {
-        const qsizetype space = SqlTokenChars::whiteSpaceAt(text, start);
-        if (space == 0)
-            break;
-        start += space;
-    }
-    qsizetype end = text.size();
-    while (end > start) {
-        const QStringView head = text.first(end);
-        if (end - start > 1 && head[end - 1] == u'\n' && head[end - 2] == u'\r') {
-            end -= 2;
-        } else if (SqlTokenChars::whiteSpaceAt(head, end - 1) > 0) {
-            --end;
-        } else {
-            break;
-        }
-    }
-    return text.sliced(start, end - start);
+    const qsizetype start = SqlTokenChars::trimmedStart(text);
+    return text.sliced(start, SqlTokenChars::trimmedEnd(text.sliced(start)));
 }
 
 // Calls `statementFound` with each statement of `text`, each with its ";". A "--" comment runs
@@ -76,7 +48,7 @@ void forEachStatement(QStringView text, Callback &&statementFound)
         }
         ++i;
     }
-    if (start < size && !isBlank(text.sliced(start)))
+    if (start < size && SqlTokenChars::trimmedStart(text.sliced(start)) < size - start)
         statementFound(text.sliced(start));
 }
 
@@ -99,6 +71,10 @@ qsizetype codeStart(QStringView statement)
     }
 }
 
+// Flattening the body only moves white space around brackets, commas and semicolons outside
+// quoted strings and comments, which never changes its tokens, unless a line end turned blank
+// merges with a mark beside it. So the tokens are read from the body itself, and the flat text
+// is built only when the tokenizer meets such a line end.
 void layOut(QStringView leadingBlock, QStringView body, QString &out, SqlFlattening flattening)
 {
     const qsizetype mark = out.size();

@@ -5,41 +5,6 @@
 
 using namespace Qt::StringLiterals;
 
-namespace {
-
-// End of `text` with trailing white-space characters removed (clusters, not code units).
-qsizetype trimmedEnd(QStringView text)
-{
-    qsizetype end = text.size();
-    while (end > 0) {
-        const qsizetype last = end - 1;
-        if (last > 0 && text[last] == u'\n' && text[last - 1] == u'\r') {
-            end -= 2;
-            continue;
-        }
-        const QStringView head = text.first(end);
-        if (SqlTokenChars::whiteSpaceAt(head, last) == 0)
-            break;
-        end = last;
-    }
-    return end;
-}
-
-// Start of `text` with leading white-space characters removed.
-qsizetype trimmedStart(QStringView text)
-{
-    qsizetype start = 0;
-    while (start < text.size()) {
-        const qsizetype space = SqlTokenChars::whiteSpaceAt(text, start);
-        if (space == 0)
-            break;
-        start += space;
-    }
-    return start;
-}
-
-} // namespace
-
 void SqlFormatterLayout::beginWithLeadingBlock(QStringView block)
 {
     // Line ends go at both ends; white space in front would go with the final trim anyway.
@@ -52,7 +17,7 @@ void SqlFormatterLayout::beginWithLeadingBlock(QStringView block)
         end -= length;
     }
     const QStringView trimmed = block.first(end);
-    const QStringView visible = trimmed.sliced(trimmedStart(trimmed));
+    const QStringView visible = trimmed.sliced(SqlTokenChars::trimmedStart(trimmed));
     if (!visible.isEmpty())
         write(visible);
     lineFeed();
@@ -142,7 +107,7 @@ void SqlFormatterLayout::addWord(const SqlToken &token)
 
 void SqlFormatterLayout::finish()
 {
-    m_out.truncate(m_start + trimmedEnd(QStringView(m_out).sliced(m_start)));
+    m_out.truncate(m_start + SqlTokenChars::trimmedEnd(QStringView(m_out).sliced(m_start)));
 }
 
 void SqlFormatterLayout::lineFeed()

@@ -66,3 +66,30 @@ bool SqlTokenChars::isJoinerSlow(char32_t codePoint)
         return bmpProperties().joiner[codePoint];
     return !breaksBetween(u'a', codePoint);
 }
+
+qsizetype SqlTokenChars::trimmedStart(QStringView text)
+{
+    qsizetype start = 0;
+    while (start < text.size()) {
+        const qsizetype space = whiteSpaceAt(text, start);
+        if (space == 0)
+            break;
+        start += space;
+    }
+    return start;
+}
+
+qsizetype SqlTokenChars::trimmedEnd(QStringView text)
+{
+    qsizetype end = text.size();
+    while (end > 0) {
+        const QStringView head = text.first(end);
+        if (end > 1 && head[end - 1] == u'\n' && head[end - 2] == u'\r')
+            end -= 2;
+        else if (whiteSpaceAt(head, end - 1) > 0)
+            --end;
+        else
+            break;
+    }
+    return end;
+}

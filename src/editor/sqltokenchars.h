@@ -96,6 +96,10 @@ public:
         }
     }
 
+    // Where `text` begins and ends without white-space characters at its ends.
+    [[nodiscard]] static qsizetype trimmedStart(QStringView text);
+    [[nodiscard]] static qsizetype trimmedEnd(QStringView text);
+
     // A white-space code point outside ASCII.
     [[nodiscard]] static bool isOtherSpace(char16_t c)
     {

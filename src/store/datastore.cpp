@@ -229,6 +229,19 @@ qsizetype DataStore::indexOfDocument(const QUuid &id) const
     return it == m_documents.cend() ? -1 : it - m_documents.cbegin();
 }
 
+bool DataStore::changeDocument(const QUuid &id, const std::function<void(SQLDocument &)> &change)
+{
+    const qsizetype index = indexOfDocument(id);
+    if (index < 0)
+        return false;
+    SQLDocument &document = m_documents[index];
+    change(document);
+    document.updatedAt = Clock::now();
+    markChanged(Collection::Documents);
+    Q_EMIT documentUpdated(id);
+    return true;
+}
+
 void DataStore::markChanged(Collection collection)
 {
     ++m_generation[int(collection)];
@@ -320,44 +333,23 @@ void DataStore::setDocumentName(const QUuid &documentId, const QString &name)
 {
     if (name.isEmpty())
         return;
-    const qsizetype index = indexOfDocument(documentId);
-    if (index < 0)
+    if (!changeDocument(documentId, [&name](SQLDocument &document) { document.name = name; }))
         return;
-    SQLDocument &document = m_documents[index];
-    document.name = name;
-    document.updatedAt = Clock::now();
-    markChanged(Collection::Documents);
-    Q_EMIT documentUpdated(documentId);
     saveData();
     selectAndRemember(documentId);
 }
 
 void DataStore::updateDocumentContent(const QUuid &documentId, const QString &content)
 {
-    const qsizetype index = indexOfDocument(documentId);
-    if (index < 0)
-        return;
-    SQLDocument &document = m_documents[index];
-    document.content = content;
-    document.updatedAt = Clock::now();
-    markChanged(Collection::Documents);
-    Q_EMIT documentUpdated(documentId);
-    selectAndRemember(documentId);
+    if (changeDocument(documentId, [&content](SQLDocument &document) { document.content = content; }))
+        selectAndRemember(documentId);
 }
 
 void DataStore::applyContentToSelectedDocument(const QString &content)
 {
-    if (m_selectedDocumentId.isNull())
-        return;
-    const qsizetype index = indexOfDocument(m_selectedDocumentId);
-    if (index < 0)
-        return;
     const QUuid id = m_selectedDocumentId;
-    SQLDocument &document = m_documents[index];
-    document.content = content;
-    document.updatedAt = Clock::now();
-    markChanged(Collection::Documents);
-    Q_EMIT documentUpdated(id);
+    if (id.isNull() || !changeDocument(id, [&content](SQLDocument &document) { document.content = content; }))
+        return;
     saveData();
     selectAndRemember(id);
 }
@@ -401,14 +393,9 @@ std::optional<SQLVersion> DataStore::saveVersion(const QUuid &documentId, const 
 
 void DataStore::restoreVersion(const SQLVersion &version)
 {
-    const qsizetype index = indexOfDocument(version.documentId);
-    if (index < 0)
+    if (!changeDocument(version.documentId,
+                        [&version](SQLDocument &document) { document.content = version.content; }))
         return;
-    SQLDocument &document = m_documents[index];
-    document.content = version.content;
-    document.updatedAt = Clock::now();
-    markChanged(Collection::Documents);
-    Q_EMIT documentUpdated(version.documentId);
     // The same note in every language of the interface.
     saveVersion(version.documentId, u"从 v%1 恢复"_s.arg(version.versionNumber));
     saveData();

@@ -9,6 +9,7 @@
 #include <QSet>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -129,6 +130,8 @@ private:
     void markChanged(Collection collection);
     void requestWrite(Collection collection);
     [[nodiscard]] qsizetype indexOfDocument(const QUuid &id) const;
+    // Applies `change` to the first document with `id` and moves its date; false if none.
+    bool changeDocument(const QUuid &id, const std::function<void(SQLDocument &)> &change);
 
     QList<SQLDocument> m_documents;
     VersionMap m_versions;

@@ -126,9 +126,15 @@ void SQLHighlightDriver::finishPendingWork()
 
 void SQLHighlightDriver::contentsChange(int position, int removed, int added)
 {
-    Q_UNUSED(removed);
     if (!m_document)
         return;
+    // The view's range moves with the text before it until the view says otherwise.
+    const auto shift = [&](int &visible) {
+        if (visible > position)
+            visible = std::max(position, visible + added - removed);
+    };
+    shift(m_visibleFrom);
+    shift(m_visibleTo);
     const int count = m_document->blockCount();
     const int oldCount = int(m_blocks.size());
     QTextBlock lastBlock = m_document->findBlock(position + added);
@@ -153,25 +159,36 @@ void SQLHighlightDriver::contentsChange(int position, int removed, int added)
     }
 
     const int oldLastQuote = m_lastQuoteBlock;
+    quint8 oldParity = 0;
+    for (int number = first; number <= lastOld; ++number)
+        oldParity ^= m_blocks[std::size_t(number)] & QuoteOdd;
     m_blocks.erase(m_blocks.begin() + first, m_blocks.begin() + lastOld + 1);
     m_blocks.insert(m_blocks.begin() + first, std::size_t(lastNew - first + 1), quint8(0));
     readBlockBits(firstBlock, first, lastNew);
+    quint8 newParity = 0;
+    for (int number = first; number <= lastNew; ++number)
+        newParity ^= m_blocks[std::size_t(number)] & QuoteOdd;
     m_lastQuoteBlock = findLastQuoteBlock();
 
-    // Blocks before the edit keep their text and their quotes before them; only whether a quote
-    // follows them can change, for those from the old or new last quote on.
+    // Blocks before the edit keep their text and the quotes before them; only whether a quote
+    // follows them can change, for those from the old or the new last quote on. Blocks behind
+    // the edit keep whether a quote follows them; they start inside a string or not as before
+    // unless the edit changed the parity of the quotes.
     int lowest = first;
     if (oldLastQuote < first)
         lowest = std::min(lowest, std::max(0, oldLastQuote));
     if (m_lastQuoteBlock < first)
         lowest = std::min(lowest, std::max(0, m_lastQuoteBlock));
-    if (m_scanFrom > lastOld)
-        m_scanFrom += count - oldCount;
-    else if (m_scanFrom > first)
-        m_scanFrom = first;
-    m_scanFrom = std::min(m_scanFrom, lowest);
+    const int oldScanFrom = m_scanFrom;
+    m_scanFrom = std::min(oldScanFrom, lowest);
 
-    colourVisibleAndEdited(first, lastNew);
+    const int editedEnd = colourVisibleAndEdited(first, lastNew);
+    if (oldParity == newParity && m_scanFrom == first && oldScanFrom > first && editedEnd > lastNew) {
+        // Only the edited blocks needed colour, and they have it.
+        m_scanFrom = oldScanFrom > lastOld ? oldScanFrom + (count - oldCount) : lastNew + 1;
+        if (!hasPendingWork())
+            m_sliceTimer.stop();
+    }
     m_inContentsChange = wasInContentsChange;
 }
 
@@ -222,7 +239,7 @@ std::pair<int, int> SQLHighlightDriver::visibleBlocks() const
     return {from.blockNumber(), to.blockNumber()};
 }
 
-void SQLHighlightDriver::colourVisibleAndEdited(int editedFirst, int editedLast)
+int SQLHighlightDriver::colourVisibleAndEdited(int editedFirst, int editedLast)
 {
     QElapsedTimer timer;
     timer.start();
@@ -232,11 +249,13 @@ void SQLHighlightDriver::colourVisibleAndEdited(int editedFirst, int editedLast)
     if (visibleFirst <= visibleLast)
         done =
             colourBlocks(visibleFirst, std::min(visibleLast, last), timer, m_budgetNs, false) > visibleLast;
+    int editedEnd = editedFirst;
     if (done && editedFirst >= 0)
-        colourBlocks(editedFirst, std::min(editedLast, last), timer, m_budgetNs, false);
+        editedEnd = colourBlocks(editedFirst, std::min(editedLast, last), timer, m_budgetNs, false);
     flushDirty();
     if (hasPendingWork())
         schedule();
+    return editedEnd;
 }
 
 bool SQLHighlightDriver::overBudget(const QElapsedTimer &timer, qint64 budgetNs) const

@@ -90,7 +90,9 @@ private:
     [[nodiscard]] int findLastQuoteBlock() const;
     [[nodiscard]] bool startsInString(int blockNumber) const;
     [[nodiscard]] std::pair<int, int> visibleBlocks() const;
-    void colourVisibleAndEdited(int editedFirst, int editedLast);
+    // Colours the visible blocks, then the edited ones, within the budget; returns the first
+    // edited block left uncoloured.
+    int colourVisibleAndEdited(int editedFirst, int editedLast);
     int colourBlocks(int from, int to, const QElapsedTimer &timer, qint64 budgetNs, bool mustProgress);
     void colourBlock(const QTextBlock &block, int blockNumber, bool inString, bool quoteFollows);
     [[nodiscard]] bool overBudget(const QElapsedTimer &timer, qint64 budgetNs) const;

@@ -21,7 +21,7 @@ ScrollView {
         selectByMouse: true
         persistentSelection: true
         font.family: Theme.monospaceFamily
-        font.pixelSize: editor.controller.fontSize
+        font.pointSize: editor.controller.fontSize
         color: Theme.label
         selectionColor: Theme.alpha(Theme.cyan, 0.35)
         selectedTextColor: Theme.label
@@ -33,6 +33,32 @@ ScrollView {
         background: Rectangle {
             color: Theme.textBackground
         }
-        Component.onCompleted: editor.controller.textDocument = area.textDocument
+        Component.onCompleted: {
+            editor.controller.plainColor = Qt.binding(() => Theme.label)
+            editor.controller.commentColor = Qt.binding(() => Theme.secondaryLabel)
+            editor.controller.textDocument = area.textDocument
+            editor.updateVisibleRange()
+        }
+    }
+
+    // Tells the colouring which characters are on screen, so that they are coloured first.
+    function updateVisibleRange() {
+        const flickable = contentItem as Flickable
+        if (!flickable)
+            return
+        const first = area.positionAt(0, flickable.contentY)
+        const last = area.positionAt(area.width, flickable.contentY + flickable.height)
+        controller.setVisibleRange(first, last)
+    }
+
+    Connections {
+        target: editor.contentItem
+
+        function onContentYChanged() {
+            editor.updateVisibleRange()
+        }
+        function onHeightChanged() {
+            editor.updateVisibleRange()
+        }
     }
 }

@@ -5,6 +5,7 @@
 #include "localizedtext.h"
 #include "preferences.h"
 #include "sqlformatter.h"
+#include "sqlhighlightdriver.h"
 
 #include <QQuickTextDocument>
 #include <QTextCursor>
@@ -20,7 +21,9 @@ SQLEditorController::SQLEditorController(DataStore *store, Preferences *preferen
     : QObject(parent)
     , m_store(store)
     , m_preferences(preferences)
+    , m_highlighter(new SQLHighlightDriver(this))
 {
+    m_highlighter->setFontSize(preferences->editorFontSize());
     m_syncTimer.setSingleShot(true);
     m_syncTimer.setInterval(syncDelayMs);
     connect(&m_syncTimer, &QTimer::timeout, this, &SQLEditorController::syncNow);
@@ -53,7 +56,11 @@ SQLEditorController::SQLEditorController(DataStore *store, Preferences *preferen
             Q_EMIT documentNameChanged();
         }
     });
-    connect(preferences, &Preferences::editorFontSizeChanged, this, &SQLEditorController::fontSizeChanged);
+    connect(preferences, &Preferences::editorFontSizeChanged, this, [this] {
+        // A new size colours again at once; the text stays as it is.
+        m_highlighter->setFontSize(m_preferences->editorFontSize());
+        Q_EMIT fontSizeChanged();
+    });
     loadSelectedDocument();
 }
 
@@ -75,6 +82,37 @@ QString SQLEditorController::documentIdText() const
     return m_documentId.isNull() ? QString() : m_documentId.toString(QUuid::WithoutBraces).toUpper();
 }
 
+QColor SQLEditorController::plainColor() const
+{
+    return m_highlighter->plainColor();
+}
+
+void SQLEditorController::setPlainColor(const QColor &color)
+{
+    if (color == m_highlighter->plainColor())
+        return;
+    m_highlighter->setPlainColor(color);
+    Q_EMIT coloursChanged();
+}
+
+QColor SQLEditorController::commentColor() const
+{
+    return m_highlighter->commentColor();
+}
+
+void SQLEditorController::setCommentColor(const QColor &color)
+{
+    if (color == m_highlighter->commentColor())
+        return;
+    m_highlighter->setCommentColor(color);
+    Q_EMIT coloursChanged();
+}
+
+void SQLEditorController::setVisibleRange(int firstPosition, int lastPosition)
+{
+    m_highlighter->setVisibleRange(firstPosition, lastPosition);
+}
+
 void SQLEditorController::setTextDocument(QQuickTextDocument *document)
 {
     if (m_quickDocument == document)
@@ -89,11 +127,14 @@ void SQLEditorController::setDocument(QTextDocument *document)
     if (m_document)
         disconnect(m_document, nullptr, this, nullptr);
     m_document = document;
-    if (!document)
+    if (!document) {
+        m_highlighter->setDocument(nullptr);
         return;
+    }
     // A document tells of its changes only once it has a layout; a view gives it one.
     document->documentLayout();
     connect(document, &QTextDocument::contentsChange, this, &SQLEditorController::onContentsChange);
+    m_highlighter->setDocument(document);
     // A new view shows the text it is given, whatever it had.
     pushText(m_content);
 }

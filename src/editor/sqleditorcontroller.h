@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QColor>
 #include <QObject>
 #include <QPointer>
 #include <QQmlEngine>
@@ -8,6 +9,7 @@
 #include <QUuid>
 
 class DataStore;
+class SQLHighlightDriver;
 class Preferences;
 class QTextDocument;
 
@@ -32,6 +34,9 @@ class SQLEditorController : public QObject
     Q_PROPERTY(bool isBlank READ isBlank NOTIFY isBlankChanged)
     Q_PROPERTY(QString currentContent READ currentContent NOTIFY currentContentChanged)
     Q_PROPERTY(double fontSize READ fontSize NOTIFY fontSizeChanged)
+    // The theme's colours of plain text and comments; the other colours are fixed.
+    Q_PROPERTY(QColor plainColor READ plainColor WRITE setPlainColor NOTIFY coloursChanged)
+    Q_PROPERTY(QColor commentColor READ commentColor WRITE setCommentColor NOTIFY coloursChanged)
 
 public:
     static constexpr int autoSaveDelayMs = 800;
@@ -55,6 +60,14 @@ public:
     [[nodiscard]] bool isBlank() const { return m_isBlank; }
     [[nodiscard]] QString currentContent() const { return m_content; }
     [[nodiscard]] double fontSize() const;
+    [[nodiscard]] QColor plainColor() const;
+    void setPlainColor(const QColor &color);
+    [[nodiscard]] QColor commentColor() const;
+    void setCommentColor(const QColor &color);
+    [[nodiscard]] SQLHighlightDriver *highlighter() const { return m_highlighter; }
+
+    // The characters the view shows, coloured first after every change.
+    Q_INVOKABLE void setVisibleRange(int firstPosition, int lastPosition);
 
     // Lays out the whole text with the formatter; undoable. Nothing for a blank text.
     Q_INVOKABLE void formatDocument();
@@ -76,6 +89,7 @@ Q_SIGNALS:
     void isBlankChanged();
     void currentContentChanged();
     void fontSizeChanged();
+    void coloursChanged();
 
 private:
     void loadSelectedDocument();
@@ -100,6 +114,7 @@ private:
     bool m_dirty = false;
     int m_characterCount = 0;
     bool m_isBlank = true;
+    SQLHighlightDriver *m_highlighter = nullptr;
     QTimer m_syncTimer;
     QTimer m_autoSaveTimer;
 };

@@ -25,6 +25,12 @@ namespace {
 constexpr char lineLead[] = "x ";
 constexpr qsizetype lineLeadSize = 2;
 
+// md4c finds the line of a bracket by walking the lines of its paragraph from the first, so its
+// time grows with lines times brackets: a reply of 64 KiB with "[a](" on each line takes 80 ms.
+// Parsing a few lines at a time bounds that walk. A piece ends after a blank line, where
+// Markdown ends a paragraph and every inline mark with it, or after this many lines.
+constexpr int maxLinesPerParse = 128;
+
 constexpr unsigned parserFlags = MD_FLAG_NOHTML | MD_FLAG_STRIKETHROUGH | MD_FLAG_NOINDENTEDCODEBLOCKS;
 
 char32_t decodeNumericEntity(QLatin1StringView entity)
@@ -80,13 +86,38 @@ QString attributeText(const MD_ATTRIBUTE &attribute)
 class Renderer
 {
 public:
-    Renderer(const QByteArray &source, const std::vector<qsizetype> &leads)
-        : m_source(source)
-        , m_leads(leads)
+    explicit Renderer(MarkdownRichTextWriter &writer)
+        : m_writer(writer)
     {}
 
-    [[nodiscard]] QString takeHtml() { return m_writer.takeHtml(); }
+    // Renders one piece of the source, made of whole lines with their leads; false if md4c
+    // gave up.
+    bool render(const QByteArray &source, const std::vector<qsizetype> &leads)
+    {
+        if (source.size() > qsizetype(std::numeric_limits<MD_SIZE>::max()))
+            return false;
+        m_source = &source;
+        m_leads = &leads;
+        m_blocks = 0;
+        MD_PARSER parser{};
+        parser.flags = parserFlags;
+        parser.enter_block = [](MD_BLOCKTYPE type, void *, void *userdata) {
+            return static_cast<Renderer *>(userdata)->enterBlock(type);
+        };
+        parser.leave_block = [](MD_BLOCKTYPE, void *, void *) { return 0; };
+        parser.enter_span = [](MD_SPANTYPE type, void *detail, void *userdata) {
+            return static_cast<Renderer *>(userdata)->enterSpan(type, detail);
+        };
+        parser.leave_span = [](MD_SPANTYPE type, void *, void *userdata) {
+            return static_cast<Renderer *>(userdata)->leaveSpan(type);
+        };
+        parser.text = [](MD_TEXTTYPE type, const MD_CHAR *text, MD_SIZE size, void *userdata) {
+            return static_cast<Renderer *>(userdata)->text(type, text, size);
+        };
+        return md_parse(source.constData(), MD_SIZE(source.size()), &parser, this) == 0;
+    }
 
+private:
     int enterBlock(MD_BLOCKTYPE type)
     {
         // The leads leave one paragraph; should md4c still open a second block, the break
@@ -163,7 +194,6 @@ public:
         return 0;
     }
 
-private:
     static QLatin1StringView spanTag(MD_SPANTYPE type, bool open)
     {
         switch (type) {
@@ -197,17 +227,17 @@ private:
     // (a code span's line end turned blank) lies outside the source and is taken whole.
     void appendSourceText(const char *text, MD_SIZE size)
     {
-        const char *sourceBegin = m_source.constData();
-        if (text < sourceBegin || text >= sourceBegin + m_source.size()) {
+        const char *sourceBegin = m_source->constData();
+        if (text < sourceBegin || text >= sourceBegin + m_source->size()) {
             m_writer.appendText(QString::fromUtf8(text, size));
             return;
         }
         qsizetype begin = text - sourceBegin;
         const qsizetype end = begin + qsizetype(size);
-        auto lead = std::upper_bound(m_leads.begin(), m_leads.end(), begin - lineLeadSize);
+        auto lead = std::upper_bound(m_leads->begin(), m_leads->end(), begin - lineLeadSize);
         while (begin < end) {
             qsizetype pieceEnd = end;
-            if (lead != m_leads.end() && *lead < end)
+            if (lead != m_leads->end() && *lead < end)
                 pieceEnd = std::max(begin, *lead);
             if (pieceEnd > begin)
                 m_writer.appendText(QString::fromUtf8(sourceBegin + begin, pieceEnd - begin));
@@ -218,9 +248,9 @@ private:
         }
     }
 
-    const QByteArray &m_source;
-    const std::vector<qsizetype> &m_leads;
-    MarkdownRichTextWriter m_writer;
+    MarkdownRichTextWriter &m_writer;
+    const QByteArray *m_source = nullptr;
+    const std::vector<qsizetype> *m_leads = nullptr;
     std::vector<bool> m_linkOpened;
     int m_imageDepth = 0;
     int m_blocks = 0;
@@ -277,47 +307,43 @@ bool isAllowedLinkTarget(QStringView url)
 QString inlineMarkdownToRichText(QStringView markdown)
 {
     const QByteArray utf8 = markdown.toUtf8();
+    MarkdownRichTextWriter writer;
+    Renderer renderer(writer);
     QByteArray source;
-    source.reserve(utf8.size() + utf8.size() / 16 + lineLeadSize);
     std::vector<qsizetype> leads;
-    // md4c ends a line at LF, CR LF and a lone CR alike.
+    int lines = 0;
     qsizetype lineStart = 0;
     while (true) {
-        leads.push_back(source.size());
-        source.append(lineLead, lineLeadSize);
+        // md4c ends a line at LF, CR LF and a lone CR alike.
         qsizetype lineEnd = lineStart;
         while (lineEnd < utf8.size() && utf8[lineEnd] != '\n' && utf8[lineEnd] != '\r')
             ++lineEnd;
-        if (lineEnd == utf8.size()) {
-            source.append(utf8.constData() + lineStart, lineEnd - lineStart);
-            break;
+        const bool blank = std::all_of(utf8.begin() + lineStart, utf8.begin() + lineEnd,
+                                       [](char c) { return c == ' ' || c == '\t'; });
+        qsizetype next = lineEnd;
+        if (next < utf8.size())
+            next += utf8[next] == '\r' && next + 1 < utf8.size() && utf8[next + 1] == '\n' ? 2 : 1;
+        leads.push_back(source.size());
+        source.append(lineLead, lineLeadSize);
+        source.append(utf8.constData() + lineStart, next - lineStart);
+        const bool last = next == utf8.size();
+        if (last || blank || ++lines == maxLinesPerParse) {
+            // A lead after the last line end turns that end into a line break.
+            if (next > lineEnd) {
+                leads.push_back(source.size());
+                source.append(lineLead, lineLeadSize);
+            }
+            if (!renderer.render(source, leads))
+                return plainTextToRichText(markdown);
+            if (last)
+                break;
+            source.clear();
+            leads.clear();
+            lines = 0;
         }
-        lineEnd += utf8[lineEnd] == '\r' && lineEnd + 1 < utf8.size() && utf8[lineEnd + 1] == '\n' ? 2 : 1;
-        source.append(utf8.constData() + lineStart, lineEnd - lineStart);
-        lineStart = lineEnd;
+        lineStart = next;
     }
-    if (source.size() > qsizetype(std::numeric_limits<MD_SIZE>::max()))
-        return plainTextToRichText(markdown);
-
-    Renderer renderer(source, leads);
-    MD_PARSER parser{};
-    parser.flags = parserFlags;
-    parser.enter_block = [](MD_BLOCKTYPE type, void *, void *userdata) {
-        return static_cast<Renderer *>(userdata)->enterBlock(type);
-    };
-    parser.leave_block = [](MD_BLOCKTYPE, void *, void *) { return 0; };
-    parser.enter_span = [](MD_SPANTYPE type, void *detail, void *userdata) {
-        return static_cast<Renderer *>(userdata)->enterSpan(type, detail);
-    };
-    parser.leave_span = [](MD_SPANTYPE type, void *, void *userdata) {
-        return static_cast<Renderer *>(userdata)->leaveSpan(type);
-    };
-    parser.text = [](MD_TEXTTYPE type, const MD_CHAR *text, MD_SIZE size, void *userdata) {
-        return static_cast<Renderer *>(userdata)->text(type, text, size);
-    };
-    if (md_parse(source.constData(), MD_SIZE(source.size()), &parser, &renderer) != 0)
-        return plainTextToRichText(markdown);
-    return renderer.takeHtml();
+    return writer.takeHtml();
 }
 
 QString markdownTextToRichText(QStringView text)

@@ -4,7 +4,6 @@ using namespace Qt::StringLiterals;
 
 void MarkdownRichTextWriter::appendText(QStringView text)
 {
-    m_html.reserve(m_html.size() + text.size());
     for (const QChar c : text) {
         switch (c.unicode()) {
         case u'\n':

@@ -40,6 +40,9 @@ private Q_SLOTS:
         QTest::newRow("cr lf and cr") << u"a\r\nb\rc"_s << u"a<br>b<br>c"_s;
         QTest::newRow("hard break") << u"a  \nb"_s << u"a<br>b"_s;
         QTest::newRow("bold across lines") << u"**a\nb**"_s << u"<b>a<br>b</b>"_s;
+        QTest::newRow("many lines") << u"a\n"_s.repeated(300) + u"*b*"_s
+                                    << u"a<br>"_s.repeated(300) + u"<i>b</i>"_s;
+        QTest::newRow("no bold across a blank line") << u"**a\n \nb**"_s << u"**a<br><br>b**"_s;
         QTest::newRow("headings cut") << u"## Title\nplain\n# A\n### B"_s << u"Title<br>plain<br>A<br>B"_s;
         QTest::newRow("headings kept") << u"#### x\n # y\n###z"_s << u"#### x<br>&nbsp;# y<br>###z"_s;
         QTest::newRow("lists as written")

@@ -114,7 +114,9 @@ public:
         parser.text = [](MD_TEXTTYPE type, const MD_CHAR *text, MD_SIZE size, void *userdata) {
             return static_cast<Renderer *>(userdata)->text(type, text, size);
         };
-        return md_parse(source.constData(), MD_SIZE(source.size()), &parser, this) == 0;
+        const bool parsed = md_parse(source.constData(), MD_SIZE(source.size()), &parser, this) == 0;
+        closeSpans(0);
+        return parsed;
     }
 
 private:
@@ -129,40 +131,49 @@ private:
 
     int enterSpan(MD_SPANTYPE type, void *detail)
     {
+        bool emitted = false;
         if (type == MD_SPAN_IMG) {
             // The alt text is all of an image that shows; nothing is ever fetched.
-            ++m_imageDepth;
-            return 0;
-        }
-        if (type == MD_SPAN_A) {
-            const bool opened = m_imageDepth == 0 && !m_inLink &&
-                                openLink(static_cast<const MD_SPAN_A_DETAIL *>(detail)->href);
-            m_linkOpened.push_back(opened);
-            return 0;
-        }
-        if (m_imageDepth == 0)
+            ++m_images;
+        } else if (type == MD_SPAN_A) {
+            emitted =
+                m_images == 0 && !m_inLink && openLink(static_cast<const MD_SPAN_A_DETAIL *>(detail)->href);
+        } else if (m_images == 0 && !spanTag(type, true).isEmpty()) {
             m_writer.appendMarkup(spanTag(type, true));
+            emitted = true;
+        }
+        m_openSpans.push_back({type, emitted});
         return 0;
     }
 
+    // md4c 0.4.8 can leave a span open, for instance emphasis whose closing mark ends up in a
+    // link destination. Spans left inside the one that ends are closed with it, and whatever
+    // is still open when the piece ends is closed then, so the tags always nest.
     int leaveSpan(MD_SPANTYPE type)
     {
-        if (type == MD_SPAN_IMG) {
-            --m_imageDepth;
-            return 0;
-        }
-        if (type == MD_SPAN_A) {
-            if (!m_linkOpened.empty() && m_linkOpened.back()) {
+        const auto open = std::find_if(m_openSpans.rbegin(), m_openSpans.rend(),
+                                       [type](const OpenSpan &span) { return span.type == type; });
+        if (open != m_openSpans.rend())
+            closeSpans(m_openSpans.size() - 1 - size_t(open - m_openSpans.rbegin()));
+        return 0;
+    }
+
+    void closeSpans(size_t keep)
+    {
+        while (m_openSpans.size() > keep) {
+            const OpenSpan span = m_openSpans.back();
+            m_openSpans.pop_back();
+            if (span.type == MD_SPAN_IMG)
+                --m_images;
+            if (!span.emitted)
+                continue;
+            if (span.type == MD_SPAN_A) {
                 m_writer.appendMarkup("</a>"_L1);
                 m_inLink = false;
+            } else {
+                m_writer.appendMarkup(spanTag(span.type, false));
             }
-            if (!m_linkOpened.empty())
-                m_linkOpened.pop_back();
-            return 0;
         }
-        if (m_imageDepth == 0)
-            m_writer.appendMarkup(spanTag(type, false));
-        return 0;
     }
 
     int text(MD_TEXTTYPE type, const MD_CHAR *text, MD_SIZE size)
@@ -251,8 +262,13 @@ private:
     MarkdownRichTextWriter &m_writer;
     const QByteArray *m_source = nullptr;
     const std::vector<qsizetype> *m_leads = nullptr;
-    std::vector<bool> m_linkOpened;
-    int m_imageDepth = 0;
+    struct OpenSpan
+    {
+        MD_SPANTYPE type;
+        bool emitted;
+    };
+    std::vector<OpenSpan> m_openSpans;
+    int m_images = 0;
     int m_blocks = 0;
     bool m_inLink = false;
 };

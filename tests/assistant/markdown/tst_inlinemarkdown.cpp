@@ -62,6 +62,8 @@ private Q_SLOTS:
             << u"<a href=\"mailto:m@x.org\">m@x.org</a> <a href=\"HTTP://X\">HTTP://X</a>"_s;
         QTest::newRow("href quotes escaped")
             << u"[q](<https://x/\"a'b>)"_s << u"<a href=\"https://x/&quot;a&#39;b\">q</a>"_s;
+        // md4c never closes this emphasis: its closing mark lies in the link's destination.
+        QTest::newRow("emphasis left open") << u"*a [l](x*y) b"_s << u"<i>a l b</i>"_s;
         QTest::newRow("link in link")
             << u"[a <https://b>](https://c)"_s << u"<a href=\"https://c\">a https://b</a>"_s;
         QTest::newRow("javascript link")

@@ -84,8 +84,8 @@ int main(int argc, char *argv[])
     const auto find = [window](const char *name) {
         return window->findChild<QObject *>(QLatin1StringView(name));
     };
-    const auto shoot = [&](const QString &state) {
-        wait(150);
+    const auto shoot = [&](const QString &state, int settle = 150) {
+        wait(settle);
         const QString path = u"%1/%2-%3.png"_s.arg(output, state, language);
         window->grabWindow().save(path);
         std::printf("%s\n", qPrintable(path));
@@ -118,11 +118,11 @@ int main(int argc, char *argv[])
     const QString doomed =
         store->sidebarDocuments(QString()).at(1).id.toString(QUuid::WithoutBraces).toUpper();
     QMetaObject::invokeMethod(find("sidebar"), "startDeletion", Q_ARG(QString, doomed));
-    wait(250);
-    shoot(u"deleting"_s);
+    shoot(u"deleting"_s, 200); // between the crumple and the throw
     wait(800);
 
-    for (const SQLDocument &document : store->documents())
+    const QList<SQLDocument> all = store->documents();
+    for (const SQLDocument &document : all)
         store->deleteDocument(document.id);
     wait(300);
     shoot(u"empty-store"_s);

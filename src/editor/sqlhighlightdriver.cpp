@@ -148,13 +148,10 @@ void SQLHighlightDriver::contentsChange(int position, int removed, int added)
     // Blocks [first, lastOld] of the old text became [first, lastNew]; the rest kept their text.
     const int lastOld = lastNew - (count - oldCount);
 
-    const bool wasInContentsChange = m_inContentsChange;
-    m_inContentsChange = true;
     if (oldCount == 0 || lastOld < first || lastOld >= oldCount || lastNew < first) {
         // A change we cannot place (the block list went out of step): start over.
         resetBlocks();
         colourVisibleAndEdited(-1, -1);
-        m_inContentsChange = wasInContentsChange;
         return;
     }
 
@@ -189,7 +186,6 @@ void SQLHighlightDriver::contentsChange(int position, int removed, int added)
         if (!hasPendingWork())
             m_sliceTimer.stop();
     }
-    m_inContentsChange = wasInContentsChange;
 }
 
 void SQLHighlightDriver::resetBlocks()
@@ -258,12 +254,6 @@ int SQLHighlightDriver::colourVisibleAndEdited(int editedFirst, int editedLast)
     return editedEnd;
 }
 
-bool SQLHighlightDriver::overBudget(const QElapsedTimer &timer, qint64 budgetNs) const
-{
-    const qint64 dirtyChars = m_dirtyFrom < 0 ? 0 : m_dirtyTo - m_dirtyFrom;
-    return double(timer.nsecsElapsed()) + m_dirtyNsPerChar * double(dirtyChars) >= double(budgetNs);
-}
-
 int SQLHighlightDriver::colourBlocks(int from, int to, const QElapsedTimer &timer, qint64 budgetNs,
                                      bool mustProgress)
 {
@@ -277,13 +267,13 @@ int SQLHighlightDriver::colourBlocks(int from, int to, const QElapsedTimer &time
         const quint8 state =
             quint8((inString ? ColouredInString : 0) | (endsInString && !quoteFollows ? ColouredRunsOff : 0));
         if (!(bits & Coloured) || (bits & StateBits) != state) {
-            if (!mustProgress && overBudget(timer, budgetNs))
+            if (!mustProgress && timer.nsecsElapsed() >= budgetNs)
                 return number;
             mustProgress = false;
             block = blockNumber == number - 1 && block.isValid() ? block.next()
                                                                  : m_document->findBlockByNumber(number);
             blockNumber = number;
-            colourBlock(block, number, inString, quoteFollows);
+            colourBlock(block, inString, quoteFollows);
             m_blocks[std::size_t(number)] = quint8((bits & (QuoteOdd | HasQuote)) | Coloured | state);
         }
         inString = endsInString;
@@ -291,17 +281,12 @@ int SQLHighlightDriver::colourBlocks(int from, int to, const QElapsedTimer &time
     return to + 1;
 }
 
-void SQLHighlightDriver::colourBlock(const QTextBlock &block, int blockNumber, bool inString,
-                                     bool quoteFollows)
+void SQLHighlightDriver::colourBlock(const QTextBlock &block, bool inString, bool quoteFollows)
 {
-    Q_UNUSED(blockNumber);
     const QString text = block.text();
     SQLHighlighter::editorLineSpans(text, inString, quoteFollows, m_spans);
     const QList<QTextLayout::FormatRange> ranges = m_formats.formatRanges(m_spans, text.size());
-    QTextLayout *layout = block.layout();
-    if (layout->formats() == ranges)
-        return;
-    layout->setFormats(ranges);
+    block.layout()->setFormats(ranges);
     const int from = block.position();
     const int to = from + block.length();
     m_dirtyFrom = m_dirtyFrom < 0 ? from : std::min(m_dirtyFrom, from);
@@ -315,16 +300,10 @@ void SQLHighlightDriver::flushDirty()
     const int from = m_dirtyFrom;
     const int length = std::min(m_dirtyTo, m_document->characterCount()) - from;
     m_dirtyFrom = m_dirtyTo = -1;
-    if (length <= 0)
-        return;
-    QElapsedTimer timer;
-    timer.start();
-    m_document->markContentsDirty(from, length);
-    // Inside a change the view lays out after all listeners; only a mark of our own shows its cost.
-    if (!m_inContentsChange) {
-        const double perChar = double(timer.nsecsElapsed()) / double(length);
-        m_dirtyNsPerChar = m_dirtyNsPerChar == 0 ? perChar : 0.75 * m_dirtyNsPerChar + 0.25 * perChar;
-    }
+    // Inside a change this widens the change the view lays out after all listeners; outside
+    // one the view lays the range out now.
+    if (length > 0)
+        m_document->markContentsDirty(from, length);
 }
 
 void SQLHighlightDriver::runSlice(qint64 budgetNs)

@@ -32,7 +32,9 @@ class SQLHighlightDriver : public QObject
     Q_PROPERTY(QColor commentColor READ commentColor WRITE setCommentColor NOTIFY commentColorChanged)
 
 public:
-    // Work per keystroke and per idle slice, view layout included; leaves room in a 4 ms bound.
+    // Colouring work per keystroke and per idle slice; a block is never split, so one more block
+    // may run over it. The view's own layout pass for a batch comes on top: Qt's document layout
+    // moves every line below the batch, whatever the batch's size.
     static constexpr qint64 defaultBudgetNs = 3'000'000;
 
     explicit SQLHighlightDriver(QObject *parent = nullptr);
@@ -94,8 +96,7 @@ private:
     // edited block left uncoloured.
     int colourVisibleAndEdited(int editedFirst, int editedLast);
     int colourBlocks(int from, int to, const QElapsedTimer &timer, qint64 budgetNs, bool mustProgress);
-    void colourBlock(const QTextBlock &block, int blockNumber, bool inString, bool quoteFollows);
-    [[nodiscard]] bool overBudget(const QElapsedTimer &timer, qint64 budgetNs) const;
+    void colourBlock(const QTextBlock &block, bool inString, bool quoteFollows);
     void flushDirty();
     void runSlice(qint64 budgetNs);
     void schedule();
@@ -114,13 +115,10 @@ private:
     int m_scanFrom = 0;
     int m_visibleFrom = -1;
     int m_visibleTo = -1;
-    bool m_inContentsChange = false;
 
     // The character range whose formats changed since the last markContentsDirty().
     int m_dirtyFrom = -1;
     int m_dirtyTo = -1;
-    // What marking dirty costs the view per character, learnt from earlier batches.
-    double m_dirtyNsPerChar = 0;
 
     QList<SQLHighlightSpan> m_spans;
 };

@@ -1,0 +1,104 @@
+#pragma once
+
+#include "aichatcall.h"
+#include "aiconnectiontest.h"
+#include "aienums.h"
+#include "aimessage.h"
+#include "aiserviceconfig.h"
+#include "chatwirerecords.h"
+#include "knowledgechange.h"
+
+#include <QNetworkRequest>
+#include <QObject>
+#include <QUrl>
+
+#include <optional>
+
+class DataStore;
+class LanguageManager;
+class QNetworkAccessManager;
+
+// The chat client behind the assistant panel: it assembles the prompt with the user's knowledge,
+// signs and posts it to the chat proxy, reads the reply whole or as a stream, and hands the facts
+// the reply marks to the knowledge store.
+//
+// Calls are asynchronous. `sendMessage`, `sendMessageStreaming` and `testConnection` return at
+// once with a handle (AIChatCall, AIConnectionTest) whose signals report the outcome; see there.
+// Nothing is retried. Every call runs on the thread of the service, the main thread.
+//
+// `isLoading` is true from the start of a call until its final signal; two calls at once share
+// it, and the first to end clears it. `currentStreamText` holds the raw text of the latest stream,
+// markers included; it is emptied when the next stream starts. Both notify only on real changes.
+//
+// TLS is always verified, redirects are followed only within the same origin, and a reply body
+// or streamed text above 8 MB, or a streamed line above 1 MB, ends the call with an error.
+class AIService : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(bool isLoading READ isLoading NOTIFY isLoadingChanged)
+    Q_PROPERTY(QString currentStreamText READ currentStreamText NOTIFY currentStreamTextChanged)
+    Q_PROPERTY(bool isConfigured READ isConfigured CONSTANT)
+
+public:
+    // `store` and `language` must outlive the service.
+    AIService(DataStore *store, LanguageManager *language, AIServiceConfig config, QObject *parent = nullptr);
+
+    // The application's service, made on first use on the shared store and language manager,
+    // with the endpoint of the build. It lives as long as the application object.
+    [[nodiscard]] static AIService *shared();
+
+    [[nodiscard]] bool isLoading() const { return m_isLoading; }
+    [[nodiscard]] QString currentStreamText() const { return m_currentStreamText; }
+
+    [[nodiscard]] QString proxyBaseURL() const { return m_config.proxyBaseURL; }
+    [[nodiscard]] QString proxyChatURL() const { return m_config.proxyChatURL; }
+    // A proxy is named: the base address is not empty and begins with "http".
+    [[nodiscard]] bool isConfigured() const;
+
+    // The request signature: lower-case hex HMAC-SHA256 of `timestamp` followed by `bodyText`.
+    [[nodiscard]] QString signBody(const QString &timestamp, const QString &bodyText) const;
+    // A signed POST of `body` to `url`, stamped now (milliseconds since 1970), with the transfer
+    // time-out. The body itself goes with the post.
+    [[nodiscard]] QNetworkRequest buildChatRequest(const QUrl &url, const QByteArray &body) const;
+
+    // The prompts in the language in force, with the store's knowledge.
+    [[nodiscard]] QString buildSystemPrompt(AIAssistantMode mode) const;
+    [[nodiscard]] QString buildKnowledgeBlock() const;
+    [[nodiscard]] QList<OpenAIChatMessage> assembleMessages(const QString &message,
+                                                            const std::optional<QString> &currentSQL,
+                                                            AIAssistantMode mode,
+                                                            const QList<AIMessage> &history) const;
+
+    // The reply as one document. Leaves `currentStreamText` alone.
+    AIChatCall *sendMessage(const QString &message, const std::optional<QString> &currentSQL,
+                            AIAssistantMode mode, const QList<AIMessage> &history);
+    // The reply as it is written: `chunkReceived` carries the whole text so far.
+    AIChatCall *sendMessageStreaming(const QString &message, const std::optional<QString> &currentSQL,
+                                     AIAssistantMode mode, const QList<AIMessage> &history);
+    // A one-line exchange with the proxy, for the settings window.
+    Q_INVOKABLE AIConnectionTest *testConnection();
+
+    // Records the facts `text` marks in the store (when auto-recording is on), reports them by
+    // `knowledgeRecorded`, and gives the text without the marks, trimmed.
+    QString extractKnowledgeMarkers(const QString &text);
+
+Q_SIGNALS:
+    void isLoadingChanged();
+    void currentStreamTextChanged();
+    // Facts a reply added to the store or wrote over, in marker order; not sent when none.
+    void knowledgeRecorded(const QList<KnowledgeChange> &changes);
+
+private:
+    AIChatCall *startCall(bool streaming, const QString &message, const std::optional<QString> &currentSQL,
+                          AIAssistantMode mode, const QList<AIMessage> &history);
+    [[nodiscard]] AppLanguage language() const;
+    void setIsLoading(bool loading);
+    void setCurrentStreamText(const QString &text);
+
+    DataStore *m_store = nullptr;
+    LanguageManager *m_language = nullptr;
+    AIServiceConfig m_config;
+    QNetworkAccessManager *m_networkAccessManager = nullptr;
+    bool m_isLoading = false;
+    QString m_currentStreamText;
+};

@@ -92,7 +92,8 @@ void SQLHighlightFormats::applyToDocument(QTextDocument *document, const QList<S
         for (auto it = span; it != spans.cend() && it->start < blockEnd; ++it) {
             const qsizetype start = std::max(it->start, blockStart);
             const qsizetype end = std::min(it->end(), blockEnd);
-            blockSpans.append({start - blockStart, end - start, it->role, it->hasKeywordWeight});
+            if (start < end)
+                blockSpans.append({start - blockStart, end - start, it->role, it->hasKeywordWeight});
         }
         block.layout()->setFormats(formatRanges(blockSpans, blockEnd - blockStart));
     }

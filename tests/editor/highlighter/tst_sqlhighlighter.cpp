@@ -201,7 +201,7 @@ private Q_SLOTS:
         QFETCH(QString, readOnly);
         QCOMPARE(paint(SQLHighlighter::editorSpans(text), text.size()), editor);
         QCOMPARE(paint(SQLHighlighter::highlightedContent(text), text.size()), readOnly);
-        // The expectations themselves are the design's engine's reading.
+        // The expectations themselves are ICU's reading of the expressions.
         QCOMPARE(paint(SQLHighlightReference::editorSpans(text, Engine::Icu), text.size()), editor);
         QCOMPARE(paint(SQLHighlightReference::highlightedContent(text, Engine::Icu), text.size()), readOnly);
     }

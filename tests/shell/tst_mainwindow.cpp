@@ -7,6 +7,8 @@
 
 #include <QDir>
 #include <QFile>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
 #include <QProcess>
 #include <QQmlApplicationEngine>
 #include <QQuickWindow>
@@ -103,6 +105,25 @@ private Q_SLOTS:
         QTest::qWait(100);
         m_window->close();
         QVERIFY(!m_window->isVisible());
+    }
+
+    // No view may fetch what content names: the engine's network manager refuses all but
+    // the application's own resources.
+    void engineFetchesNothingFromOutside()
+    {
+        QNetworkAccessManager *manager = m_engine->networkAccessManager();
+        QVERIFY(manager);
+        for (const char *url : {"http://127.0.0.1:9/x.png", "https://example.org/a", "ftp://127.0.0.1/x"}) {
+            std::unique_ptr<QNetworkReply> reply(
+                manager->get(QNetworkRequest(QUrl(QString::fromLatin1(url)))));
+            QTRY_VERIFY(reply->isFinished());
+            QVERIFY2(reply->error() != QNetworkReply::NoError, url);
+            QCOMPARE(reply->readAll(), QByteArray());
+        }
+        std::unique_ptr<QNetworkReply> own(manager->get(QNetworkRequest(QUrl(u"qrc:/icons/history.svg"_s))));
+        QTRY_VERIFY(own->isFinished());
+        QCOMPARE(own->error(), QNetworkReply::NoError);
+        QVERIFY(own->readAll().contains("<svg"));
     }
 
     void quitSavesTheStore()

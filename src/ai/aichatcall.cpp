@@ -181,7 +181,8 @@ void AIChatCall::stop()
     if (QNetworkReply *reply = m_reply.data()) {
         m_reply = nullptr;
         disconnect(reply, nullptr, this, nullptr);
-        reply->abort();
+        // Deleting a reply ends its transfer. Not abort(): a reply that has an HTTP error status
+        // in hand would then report a second error.
         reply->deleteLater();
     }
 }

@@ -1,0 +1,113 @@
+#include "chattestserver.h"
+
+#include <QMessageAuthenticationCode>
+#include <QPointer>
+#include <QSslConfiguration>
+#include <QSslServer>
+#include <QTcpSocket>
+#include <QTimer>
+
+using namespace Qt::StringLiterals;
+
+ChatTestServer::ChatTestServer(QByteArray signingKey, const QSslCertificate &certificate, const QSslKey &key)
+    : m_signingKey(std::move(signingKey))
+    , m_tls(!certificate.isNull())
+{
+    if (m_tls) {
+        auto server = std::make_unique<QSslServer>();
+        QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
+        configuration.setLocalCertificate(certificate);
+        configuration.setPrivateKey(key);
+        server->setSslConfiguration(configuration);
+        m_server = std::move(server);
+    } else {
+        m_server = std::make_unique<QTcpServer>();
+    }
+    connect(m_server.get(), &QTcpServer::pendingConnectionAvailable, this, [this] {
+        while (QTcpSocket *socket = m_server->nextPendingConnection())
+            serve(socket);
+    });
+    m_server->listen(QHostAddress::LocalHost);
+}
+
+ChatTestServer::~ChatTestServer() = default;
+
+QString ChatTestServer::baseUrl() const
+{
+    return QStringLiteral("%1://127.0.0.1:%2")
+        .arg(m_tls ? u"https"_s : u"http"_s)
+        .arg(m_server->serverPort());
+}
+
+QList<ChatTestServer::Piece> ChatTestServer::split(const QByteArray &body, qsizetype size)
+{
+    QList<Piece> pieces;
+    for (qsizetype at = 0; at < body.size(); at += size)
+        pieces.append({body.mid(at, size), 0});
+    return pieces;
+}
+
+void ChatTestServer::serve(QTcpSocket *socket)
+{
+    socket->setParent(this);
+    socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
+    auto buffer = std::make_shared<QByteArray>();
+    connect(socket, &QTcpSocket::readyRead, this, [this, socket, buffer] {
+        *buffer += socket->readAll();
+        const qsizetype headerEnd = buffer->indexOf("\r\n\r\n");
+        if (headerEnd < 0)
+            return;
+        Request request;
+        const QList<QByteArray> lines = buffer->left(headerEnd).split('\n');
+        request.target = lines.value(0).left(lines.value(0).lastIndexOf(' '));
+        for (qsizetype i = 1; i < lines.size(); ++i) {
+            const qsizetype colon = lines[i].indexOf(':');
+            request.headers.insert(lines[i].left(colon).trimmed().toLower(),
+                                   lines[i].mid(colon + 1).trimmed());
+        }
+        const qsizetype length = request.headers.value("content-length").toLongLong();
+        if (buffer->size() < headerEnd + 4 + length)
+            return;
+        request.body = buffer->mid(headerEnd + 4, length);
+        buffer->clear();
+        QMessageAuthenticationCode mac(QCryptographicHash::Sha256, m_signingKey);
+        mac.addData(request.headers.value("x-timestamp") + request.body);
+        request.signatureValid = mac.result().toHex() == request.headers.value("x-app-signature");
+        m_requests.append(request);
+        answer(socket, request);
+    });
+}
+
+void ChatTestServer::answer(QTcpSocket *socket, const Request &request)
+{
+    Reply reply = m_reply;
+    if (!request.signatureValid)
+        reply = {401, {{R"({"error":{"message":"bad signature"}})", 0}}, Ending::Complete, {}};
+    QByteArray head = "HTTP/1.1 " + QByteArray::number(reply.status) + " Status\r\nConnection: close\r\n";
+    if (!reply.location.isEmpty())
+        head += "Location: " + reply.location + "\r\n";
+    socket->write(head + "Transfer-Encoding: chunked\r\n\r\n");
+
+    // Each piece is one chunk of the chunked body, written after its pause.
+    QPointer<QTcpSocket> guard(socket);
+    int at = 0;
+    for (const Piece &piece : reply.pieces) {
+        at += piece.delayMs;
+        QTimer::singleShot(at, this, [guard, piece] {
+            if (!guard)
+                return;
+            guard->write(QByteArray::number(piece.bytes.size(), 16) + "\r\n" + piece.bytes + "\r\n");
+            guard->flush();
+        });
+    }
+    QTimer::singleShot(at, this, [guard, ending = reply.ending] {
+        if (!guard || ending == Ending::Stall)
+            return;
+        if (ending == Ending::Drop) {
+            guard->abort();
+            return;
+        }
+        guard->write("0\r\n\r\n");
+        guard->disconnectFromHost();
+    });
+}

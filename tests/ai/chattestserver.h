@@ -1,0 +1,67 @@
+#pragma once
+
+#include <QByteArray>
+#include <QList>
+#include <QMap>
+#include <QObject>
+#include <QSslCertificate>
+#include <QSslKey>
+
+#include <memory>
+
+class QTcpServer;
+class QTcpSocket;
+
+// A chat proxy on 127.0.0.1, over HTTPS when given a certificate. It checks each request's
+// signature as the real proxy does and answers a bad one with 401 "bad signature"; otherwise it
+// sends the scripted reply as a chunked body, piece by piece with pauses, so that the client gets
+// the pieces in separate reads.
+class ChatTestServer : public QObject
+{
+    Q_OBJECT
+
+public:
+    struct Piece
+    {
+        QByteArray bytes;
+        int delayMs = 0;
+    };
+    // After the pieces: the end of the body, a cut connection, or silence.
+    enum class Ending { Complete, Drop, Stall };
+    struct Reply
+    {
+        int status = 200;
+        QList<Piece> pieces;
+        Ending ending = Ending::Complete;
+        QByteArray location;
+    };
+    struct Request
+    {
+        // "POST /api/chat"
+        QByteArray target;
+        // Names in lower case.
+        QMap<QByteArray, QByteArray> headers;
+        QByteArray body;
+        bool signatureValid = false;
+    };
+
+    explicit ChatTestServer(QByteArray signingKey, const QSslCertificate &certificate = QSslCertificate(),
+                            const QSslKey &key = QSslKey());
+    ~ChatTestServer() override;
+
+    [[nodiscard]] QString baseUrl() const;
+    void setReply(const Reply &reply) { m_reply = reply; }
+    [[nodiscard]] const QList<Request> &requests() const { return m_requests; }
+
+    [[nodiscard]] static QList<Piece> split(const QByteArray &body, qsizetype size);
+
+private:
+    void serve(QTcpSocket *socket);
+    void answer(QTcpSocket *socket, const Request &request);
+
+    QByteArray m_signingKey;
+    bool m_tls = false;
+    std::unique_ptr<QTcpServer> m_server;
+    Reply m_reply;
+    QList<Request> m_requests;
+};

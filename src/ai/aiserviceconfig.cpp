@@ -1,23 +1,24 @@
 #include "aiserviceconfig.h"
 
-// Set by the build from the cache variables VARNHOLT_PROXY_BASE_URL and VARNHOLT_PROXY_SECRET.
-#ifndef VARNHOLT_PROXY_BASE_URL
-#define VARNHOLT_PROXY_BASE_URL ""
+// Set by the build from the cache variables VARNHOLT_PROXY_BASE_URL and VARNHOLT_PROXY_SECRET,
+// as hexadecimal text of their UTF-8 bytes.
+#ifndef VARNHOLT_PROXY_BASE_URL_HEX
+#define VARNHOLT_PROXY_BASE_URL_HEX ""
 #endif
-#ifndef VARNHOLT_PROXY_CHAT_URL
-#define VARNHOLT_PROXY_CHAT_URL ""
+#ifndef VARNHOLT_PROXY_CHAT_URL_HEX
+#define VARNHOLT_PROXY_CHAT_URL_HEX ""
 #endif
-#ifndef VARNHOLT_PROXY_SECRET
-#define VARNHOLT_PROXY_SECRET ""
+#ifndef VARNHOLT_PROXY_SECRET_HEX
+#define VARNHOLT_PROXY_SECRET_HEX ""
 #endif
 
 AIServiceConfig AIServiceConfig::fromBuild()
 {
     AIServiceConfig config;
-    config.proxyBaseURL = QString::fromUtf8(VARNHOLT_PROXY_BASE_URL);
-    config.proxyChatURL = QString::fromUtf8(VARNHOLT_PROXY_CHAT_URL);
+    config.proxyBaseURL = QString::fromUtf8(QByteArray::fromHex(VARNHOLT_PROXY_BASE_URL_HEX));
+    config.proxyChatURL = QString::fromUtf8(QByteArray::fromHex(VARNHOLT_PROXY_CHAT_URL_HEX));
     // A deployment whose proxy expects another key names it at build time.
-    if (const QByteArray secret(VARNHOLT_PROXY_SECRET); !secret.isEmpty())
+    if (const QByteArray secret = QByteArray::fromHex(VARNHOLT_PROXY_SECRET_HEX); !secret.isEmpty())
         config.signingKey = secret;
     return config;
 }

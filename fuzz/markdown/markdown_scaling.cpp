@@ -1,6 +1,8 @@
 // Time per character of both Markdown steps on each unit of a fuzz corpus, repeated to 64 Ki
-// and to 1 Mi characters, without sanitizers. A step that is linear costs the same per
-// character at both sizes; the units whose cost grows most are listed first.
+// and to 1 Mi characters, without sanitizers. A step that is linear costs about the same per
+// character at both sizes, but leaving the caches can cost ten times more per character, so
+// the ten units whose cost grows most are timed again at 4 Mi characters: from 1 Mi to 4 Mi
+// a linear step stays flat where a quadratic one costs four times as much per character.
 //   markdown_scaling <corpus folder> [split|inline]
 #include "fuzzinput.h"
 #include "inlinemarkdown.h"
@@ -19,9 +21,16 @@ namespace {
 struct Unit
 {
     QString name;
+    QString text;
     double small = 0;
     double large = 0;
+    double huge = 0;
 };
+
+QString repeated(const QString &text, qsizetype size)
+{
+    return text.repeated(std::max<qsizetype>(1, size / text.size()));
+}
 
 double nanosecondsPerCharacter(const QString &text, bool split)
 {
@@ -58,11 +67,12 @@ int main(int argc, char **argv)
             fuzzText(reinterpret_cast<const uint8_t *>(bytes.constData()), size_t(bytes.size()));
         if (text.isEmpty())
             continue;
-        const auto repeated = [&](qsizetype size) {
-            return text.repeated(std::max<qsizetype>(1, size / text.size()));
-        };
-        units.push_back({name, nanosecondsPerCharacter(repeated(64 * 1024), split),
-                         nanosecondsPerCharacter(repeated(1024 * 1024), split)});
+        Unit unit;
+        unit.name = name;
+        unit.text = text;
+        unit.small = nanosecondsPerCharacter(repeated(text, 64 * 1024), split);
+        unit.large = nanosecondsPerCharacter(repeated(text, 1024 * 1024), split);
+        units.push_back(unit);
     }
     std::sort(units.begin(), units.end(),
               [](const Unit &a, const Unit &b) { return a.large / a.small > b.large / b.small; });
@@ -71,10 +81,14 @@ int main(int argc, char **argv)
         worst = std::max(worst, unit.large);
     printf("%zu units of %s; slowest at 1 Mi characters: %.1f ns per character\n", units.size(),
            split ? "parseBlocks" : "inline Markdown", worst);
-    for (size_t i = 0; i < std::min<size_t>(5, units.size()); ++i) {
-        const Unit &unit = units[i];
-        printf("  %s: %.1f ns at 64 Ki, %.1f ns at 1 Mi (x%.2f)\n", qPrintable(unit.name), unit.small,
-               unit.large, unit.large / unit.small);
+    double worstGrowth = 0;
+    for (size_t i = 0; i < std::min<size_t>(10, units.size()); ++i) {
+        Unit &unit = units[i];
+        unit.huge = nanosecondsPerCharacter(repeated(unit.text, 4 * 1024 * 1024), split);
+        worstGrowth = std::max(worstGrowth, unit.huge / unit.large);
+        printf("  %s: %.1f ns at 64 Ki, %.1f at 1 Mi, %.1f at 4 Mi\n", qPrintable(unit.name), unit.small,
+               unit.large, unit.huge);
     }
+    printf("largest growth per character from 1 Mi to 4 Mi: x%.2f\n", worstGrowth);
     return 0;
 }

@@ -19,8 +19,8 @@ namespace {
 // written. Every line of the source is given a two-byte lead, "x ", before md4c sees it: a
 // line that starts with a letter starts no list, quote, heading, fence, table, thematic break,
 // setext underline or link definition, and can neither end nor interrupt the paragraph. So
-// the whole text is one paragraph, its line ends are line breaks, and its leading blanks are
-// text. The blank after the letter keeps the start of each line a word boundary for emphasis,
+// each piece md4c parses is one paragraph, its line ends are line breaks, and its leading
+// blanks are text. The blank after the letter keeps the start of each line a word boundary for emphasis,
 // as it was. The leads are cut from whatever md4c hands back, found by their address.
 constexpr char lineLead[] = "x ";
 constexpr qsizetype lineLeadSize = 2;

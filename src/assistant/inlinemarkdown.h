@@ -6,10 +6,11 @@
 // The prose of an assistant reply as rich text for a Qt text item.
 //
 // Only inline Markdown takes effect: bold, italic, code spans, strikethrough and links. No
-// block-level construct is recognised: list markers, quote marks, table pipes, "####",
-// "---" and fences that pair with nothing stay in the text as written, indentation included,
-// and every line break of the input stays a line break. Heading marks of the first three
-// levels are cut from the start of their lines; the heading text is not styled.
+// block-level construct is recognised: list markers, quote marks, table pipes, "####", "---"
+// and fences that pair with nothing stay in the text as written, indentation included, and
+// every line break of the input stays a line break. As in Markdown, no inline mark reaches
+// across a blank line. Heading marks of the first three levels are cut from the start of
+// their lines; the heading text is not styled.
 //
 // The output is a small subset of HTML a Qt text item shows without loading anything:
 // <b> <i> <code> <s> <a href="..."> and <br>. All text is escaped, raw HTML in the input

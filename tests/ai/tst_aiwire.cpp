@@ -42,7 +42,8 @@ QStringList splitLines(const QList<QByteArray> &chunks, bool flush)
     LineSplitter splitter;
     QStringList lines;
     const auto collect = [&lines](QByteArrayView line) {
-        return lines.append(QString::fromUtf8(line)), true;
+        lines.append(QString::fromUtf8(line));
+        return true;
     };
     for (const QByteArray &chunk : chunks)
         splitter.feed(chunk, collect);

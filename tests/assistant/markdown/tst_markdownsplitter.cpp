@@ -34,7 +34,6 @@ private Q_SLOTS:
             << u"```\n\n  a\n\n  b  \n\n```"_s << QStringList{u"code[]:a\n\n  b"_s};
         QTest::newRow("close without line feed")
             << u"```\nab```tail"_s << QStringList{u"code[]:ab"_s, u"text:tail"_s};
-        QTest::newRow("language as written") << u"```SQL\nx\n```"_s << QStringList{u"code[SQL]:x"_s};
         QTest::newRow("unicode language") << u"```日本語\nx\n```"_s << QStringList{u"code[日本語]:x"_s};
         QTest::newRow("combining mark in language")
             << u"```e\u0301\nx\n```"_s << QStringList{u"code[e\u0301]:x"_s};
@@ -86,7 +85,6 @@ private Q_SLOTS:
         QTest::addColumn<bool>("applicable");
         QTest::newRow("sql") << u"```sql\nx\n```"_s << true;
         QTest::newRow("SQL") << u"```SQL\nx\n```"_s << true;
-        QTest::newRow("Sql") << u"```Sql\nx\n```"_s << true;
         QTest::newRow("untagged") << u"```\nx\n```"_s << true;
         QTest::newRow("json") << u"```json\nx\n```"_s << false;
         QTest::newRow("sqlite") << u"```sqlite\nx\n```"_s << false;

@@ -68,6 +68,7 @@ Rectangle {
         }
 
         Button {
+            objectName: "dismissButton"
             Layout.alignment: Qt.AlignTop
             text: Tr.t("Dismiss", "知道了", "閉じる")
             onClicked: banner.dismissed = true

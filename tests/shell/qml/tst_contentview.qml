@@ -20,6 +20,26 @@ TestCase {
         }
     }
 
+    Component {
+        id: bannerComponent
+
+        SetAsideBanner {
+            files: ["/home/u/.local/share/Varnholt/sql_documents.json.damaged-20261122T101500Z"]
+        }
+    }
+
+    function test_setAsideBannerNamesTheFileUntilDismissed() {
+        const banner = createTemporaryObject(bannerComponent, testCase)
+        verify(banner.visible)
+        const dismiss = findChild(banner, "dismissButton")
+        mouseClick(dismiss)
+        verify(!banner.visible)
+        const empty = createTemporaryObject(bannerComponent, testCase, {
+            "files": []
+        })
+        verify(!empty.visible)
+    }
+
     function test_widthsAtTheMinimumWindow() {
         const content = createTemporaryObject(contentComponent, testCase)
         compare(content.editorWidth, 1000 - 241)

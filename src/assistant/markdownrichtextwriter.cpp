@@ -17,20 +17,8 @@ void MarkdownRichTextWriter::appendText(QStringView text)
             m_html += "&nbsp;&nbsp;&nbsp;&nbsp;"_L1;
             m_afterBlank = true;
             continue;
-        case u'&':
-            m_html += "&amp;"_L1;
-            break;
-        case u'<':
-            m_html += "&lt;"_L1;
-            break;
-        case u'>':
-            m_html += "&gt;"_L1;
-            break;
-        case u'"':
-            m_html += "&quot;"_L1;
-            break;
         default:
-            m_html += c;
+            appendEscaped(c);
             break;
         }
         m_atLineStart = false;
@@ -59,25 +47,30 @@ void MarkdownRichTextWriter::appendMarkup(QLatin1StringView markup)
 void MarkdownRichTextWriter::appendAttributeValue(QStringView value)
 {
     for (const QChar c : value) {
-        switch (c.unicode()) {
-        case u'&':
-            m_html += "&amp;"_L1;
-            break;
-        case u'<':
-            m_html += "&lt;"_L1;
-            break;
-        case u'>':
-            m_html += "&gt;"_L1;
-            break;
-        case u'"':
-            m_html += "&quot;"_L1;
-            break;
-        case u'\'':
+        if (c == u'\'')
             m_html += "&#39;"_L1;
-            break;
-        default:
-            m_html += c;
-            break;
-        }
+        else
+            appendEscaped(c);
+    }
+}
+
+void MarkdownRichTextWriter::appendEscaped(QChar c)
+{
+    switch (c.unicode()) {
+    case u'&':
+        m_html += "&amp;"_L1;
+        break;
+    case u'<':
+        m_html += "&lt;"_L1;
+        break;
+    case u'>':
+        m_html += "&gt;"_L1;
+        break;
+    case u'"':
+        m_html += "&quot;"_L1;
+        break;
+    default:
+        m_html += c;
+        break;
     }
 }

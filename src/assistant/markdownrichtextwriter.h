@@ -22,6 +22,8 @@ public:
     [[nodiscard]] QString takeHtml() { return std::move(m_html); }
 
 private:
+    // Appends `c`, as an entity where HTML would read it as markup.
+    void appendEscaped(QChar c);
     QString m_html;
     bool m_atLineStart = true;
     bool m_afterBlank = false;

@@ -10,4 +10,4 @@ list(APPEND VARNHOLT_VIEW_QML
 list(APPEND VARNHOLT_VIEW_SOURCES
     ${CMAKE_CURRENT_LIST_DIR}/sqleditorcontroller.cpp ${CMAKE_CURRENT_LIST_DIR}/sqleditorcontroller.h
 )
-list(APPEND VARNHOLT_VIEW_LIBRARIES varnholt_sqlformat varnholt_sqlhighlight)
+list(APPEND VARNHOLT_VIEW_LIBRARIES varnholt_sqlformat varnholt_sqlcolour)

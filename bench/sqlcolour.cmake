@@ -1,8 +1,8 @@
 # Colouring engine benchmarks: the whole-text passes against the rules run literally (the
 # reference colourings of the tests), and the incremental driver per keystroke and idle slice.
 add_executable(bench_highlighter
-    highlighter/bench_highlighter.cpp
-    ${PROJECT_SOURCE_DIR}/tests/editor/highlighter/sqlhighlightreference.cpp)
-target_include_directories(bench_highlighter PRIVATE ${PROJECT_SOURCE_DIR}/tests/editor/highlighter)
-target_link_libraries(bench_highlighter PRIVATE varnholt_sqlhighlight ICU::i18n ICU::uc)
+    sqlcolour/bench_highlighter.cpp
+    ${PROJECT_SOURCE_DIR}/tests/sqlcolour/sqlhighlightreference.cpp)
+target_include_directories(bench_highlighter PRIVATE ${PROJECT_SOURCE_DIR}/tests/sqlcolour)
+target_link_libraries(bench_highlighter PRIVATE varnholt_sqlcolour ICU::i18n ICU::uc)
 target_compile_definitions(bench_highlighter PRIVATE VARNHOLT_BENCH_CORPUS="${VARNHOLT_BENCH_CORPUS}")

@@ -25,7 +25,7 @@ private Q_SLOTS:
     void references_data()
     {
         QTest::addColumn<QString>("name");
-        const QDir inputs(QStringLiteral(VARNHOLT_TEST_DATA "/formatter/input"));
+        const QDir inputs(QStringLiteral(VARNHOLT_TEST_DATA "/input"));
         const QStringList names = inputs.entryList({u"*.sql"_s}, QDir::Files, QDir::Name);
         QVERIFY(!names.isEmpty());
         for (const QString &name : names)
@@ -35,8 +35,8 @@ private Q_SLOTS:
     {
         QFETCH(QString, name);
         const QString formatted =
-            formatSQL(read(QStringLiteral(VARNHOLT_TEST_DATA "/formatter/input/") + name));
-        const QString reference = read(QStringLiteral(VARNHOLT_TEST_DATA "/formatter/reference/") + name);
+            formatSQL(read(QStringLiteral(VARNHOLT_TEST_DATA "/input/") + name));
+        const QString reference = read(QStringLiteral(VARNHOLT_TEST_DATA "/reference/") + name);
         QCOMPARE(formatted.isEmpty() ? formatted : formatted + u'\n', reference);
     }
 };

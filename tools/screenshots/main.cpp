@@ -1,19 +1,20 @@
 // Starts the application's window on a prepared store and saves screenshots of its main
 // states. Run through tools/screenshots.sh, which sets up a display and a scratch home.
 //
-// Usage: varnholt-screenshots <output-folder> <en|zh-Hans|ja>
+// Usage: varnholt-screenshots <output-folder> <en|zh-Hans|ja> <light|dark> [scene...]
+// Scenes: shell, empty-store (all when none is named; empty-store always runs last).
 #include "appengine.h"
 #include "clock.h"
 #include "datastore.h"
 #include "languagemanager.h"
+#include "screenshotsession.h"
 
 #include <QDir>
 #include <QGuiApplication>
+#include <QPalette>
 #include <QQmlApplicationEngine>
-#include <QQuickItem>
 #include <QQuickStyle>
 #include <QQuickWindow>
-#include <QTimer>
 #include <QtQml/qqmlextensionplugin.h>
 
 #include <cstdio>
@@ -24,13 +25,6 @@ using namespace Qt::StringLiterals;
 Q_IMPORT_QML_PLUGIN(VarnholtPlugin)
 
 namespace {
-
-void wait(int ms)
-{
-    QEventLoop loop;
-    QTimer::singleShot(ms, &loop, &QEventLoop::quit);
-    loop.exec();
-}
 
 void prepareStore(DataStore *store)
 {
@@ -56,6 +50,36 @@ void prepareStore(DataStore *store)
     store->flush();
 }
 
+// A dark palette of the kind a desktop in dark mode hands to Qt applications.
+QPalette darkPalette()
+{
+    QPalette palette;
+    const QColor window(0x2b, 0x2b, 0x2e);
+    const QColor base(0x1e, 0x1e, 0x20);
+    const QColor text(0xec, 0xec, 0xee);
+    palette.setColor(QPalette::Window, window);
+    palette.setColor(QPalette::WindowText, text);
+    palette.setColor(QPalette::Base, base);
+    palette.setColor(QPalette::AlternateBase, window);
+    palette.setColor(QPalette::Text, text);
+    palette.setColor(QPalette::Button, QColor(0x3a, 0x3a, 0x3e));
+    palette.setColor(QPalette::ButtonText, text);
+    palette.setColor(QPalette::ToolTipBase, base);
+    palette.setColor(QPalette::ToolTipText, text);
+    palette.setColor(QPalette::PlaceholderText, QColor(0x8e, 0x8e, 0x93));
+    palette.setColor(QPalette::Highlight, QColor(0x0a, 0x84, 0xff));
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    palette.setColor(QPalette::Light, QColor(0x48, 0x48, 0x4c));
+    palette.setColor(QPalette::Midlight, QColor(0x3a, 0x3a, 0x3e));
+    palette.setColor(QPalette::Mid, QColor(0x2f, 0x2f, 0x32));
+    palette.setColor(QPalette::Dark, QColor(0x18, 0x18, 0x1a));
+    palette.setColor(QPalette::Shadow, Qt::black);
+    palette.setColor(QPalette::Link, QColor(0x64, 0xd2, 0xff));
+    for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, QColor(0x7a, 0x7a, 0x80));
+    return palette;
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -63,13 +87,19 @@ int main(int argc, char *argv[])
     QGuiApplication app(argc, argv);
     QGuiApplication::setApplicationName(u"Varnholt"_s);
     QQuickStyle::setStyle(u"Fusion"_s);
-    if (argc != 3) {
-        std::fprintf(stderr, "usage: varnholt-screenshots <output-folder> <en|zh-Hans|ja>\n");
+    if (argc < 4) {
+        std::fprintf(stderr, "usage: varnholt-screenshots <output-folder> <en|zh-Hans|ja> <light|dark> [scene...]\n");
         return 2;
     }
     const QString output = QString::fromLocal8Bit(argv[1]);
     const QString language = QString::fromLocal8Bit(argv[2]);
+    const QString appearance = QString::fromLocal8Bit(argv[3]);
+    QStringList wanted;
+    for (int i = 4; i < argc; ++i)
+        wanted.append(QString::fromLocal8Bit(argv[i]));
     QDir().mkpath(output);
+    if (appearance == "dark"_L1)
+        QGuiApplication::setPalette(darkPalette());
     LanguageManager::shared()->setCurrentLanguage(
         AppLanguages::fromRawValue(language).value_or(AppLanguage::En));
     DataStore *store = DataStore::shared();
@@ -81,50 +111,16 @@ int main(int argc, char *argv[])
     if (engine.rootObjects().isEmpty())
         return 1;
     auto *window = qobject_cast<QQuickWindow *>(engine.rootObjects().constFirst());
-    const auto find = [window](const char *name) {
-        return window->findChild<QObject *>(QLatin1StringView(name));
+    ScreenshotSession session(window, store, output, language, appearance);
+    ScreenshotSession::wait(1000); // the fade-in
+
+    const QList<std::pair<QString, std::function<void(ScreenshotSession &)>>> scenes{
+        {u"shell"_s, shootShellScenes},
+        {u"empty-store"_s, shootEmptyStoreScene},
     };
-    const auto shoot = [&](const QString &state, int settle = 150) {
-        wait(settle);
-        const QString path = u"%1/%2-%3.png"_s.arg(output, state, language);
-        window->grabWindow().save(path);
-        std::printf("%s\n", qPrintable(path));
-    };
-    wait(1000); // the fade-in
-    shoot(u"documents"_s);
-
-    QMetaObject::invokeMethod(find("contentView"), "setShowVersionHistory", Q_ARG(bool, true));
-    wait(500);
-    shoot(u"panel-open"_s);
-    QMetaObject::invokeMethod(find("contentView"), "setShowVersionHistory", Q_ARG(bool, false));
-    wait(500);
-
-    QMetaObject::invokeMethod(find("sidebar")->property("newDocumentSheet").value<QObject *>(), "open");
-    wait(300);
-    shoot(u"new-document-sheet"_s);
-    QMetaObject::invokeMethod(find("sidebar")->property("newDocumentSheet").value<QObject *>(), "cancel");
-    wait(300);
-
-    QObject *saveSheet = find("saveVersionSheet");
-    if (saveSheet) {
-        QMetaObject::invokeMethod(saveSheet, "open");
-        wait(300);
-        shoot(u"save-version-sheet"_s);
-        QMetaObject::invokeMethod(saveSheet, "cancel");
-        wait(300);
+    for (const auto &[name, shootScene] : scenes) {
+        if (wanted.isEmpty() || wanted.contains(name))
+            shootScene(session);
     }
-    shoot(u"editing"_s);
-
-    const QString doomed =
-        store->sidebarDocuments(QString()).at(1).id.toString(QUuid::WithoutBraces).toUpper();
-    QMetaObject::invokeMethod(find("sidebar"), "startDeletion", Q_ARG(QString, doomed));
-    shoot(u"deleting"_s, 200); // between the crumple and the throw
-    wait(800);
-
-    const QList<SQLDocument> all = store->documents();
-    for (const SQLDocument &document : all)
-        store->deleteDocument(document.id);
-    wait(300);
-    shoot(u"empty-store"_s);
     return 0;
 }

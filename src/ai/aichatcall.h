@@ -2,6 +2,7 @@
 
 #include "aiserviceerror.h"
 #include "chatstreamparser.h"
+#include "knowledgechange.h"
 
 #include <QByteArray>
 #include <QObject>
@@ -39,6 +40,9 @@ public:
     [[nodiscard]] bool isRunning() const { return !m_ended; }
     // The raw text received so far by a streaming call.
     [[nodiscard]] QString text() const { return m_parser.text(); }
+    // The facts this reply's knowledge markers added to the store or wrote over, in marker order;
+    // set before `finished`, empty for a call that failed or recorded nothing.
+    [[nodiscard]] QList<KnowledgeChange> recordedKnowledge() const { return m_recordedKnowledge; }
 
 public Q_SLOTS:
     // Stops the call at once: no chunk follows, and `failed` comes from the event loop with a
@@ -78,6 +82,7 @@ private:
     QPointer<QNetworkReply> m_reply;
     QByteArray m_body;
     ChatStreamParser m_parser;
+    QList<KnowledgeChange> m_recordedKnowledge;
     bool m_statusAccepted = false;
     // Nothing more is read or reported, save the final signal.
     bool m_stopped = false;

@@ -132,8 +132,13 @@ AIChatCall *AIService::startCall(bool streaming, const QString &message,
                                  const std::optional<QString> &currentSQL, AIAssistantMode mode,
                                  const QList<AIMessage> &history)
 {
-    auto *call = new AIChatCall(
-        streaming, [this](const QString &text) { return extractKnowledgeMarkers(text); }, this);
+    auto *call = new AIChatCall(streaming, {}, this);
+    // The finisher lives in the call, so the call outlives every run of it.
+    call->m_finisher = [this, call](const QString &text) {
+        KnowledgeMarkers::Result result = recordKnowledge(text);
+        call->m_recordedKnowledge = std::move(result.changes);
+        return std::move(result.text);
+    };
     if (!isConfigured()) {
         call->failSoon(AIServiceError::invalidConfiguration());
         return call;
@@ -190,10 +195,15 @@ AIConnectionTest *AIService::testConnection()
 
 QString AIService::extractKnowledgeMarkers(const QString &text)
 {
+    return recordKnowledge(text).text;
+}
+
+KnowledgeMarkers::Result AIService::recordKnowledge(const QString &text)
+{
     KnowledgeMarkers::Result result = KnowledgeMarkers::extract(text, m_store);
     if (!result.changes.isEmpty())
         Q_EMIT knowledgeRecorded(result.changes);
-    return result.text;
+    return result;
 }
 
 void AIService::setIsLoading(bool loading)

@@ -7,6 +7,7 @@
 #include "aiserviceconfig.h"
 #include "chatwirerecords.h"
 #include "knowledgechange.h"
+#include "knowledgemarkers.h"
 
 #include <QNetworkRequest>
 #include <QObject>
@@ -92,6 +93,7 @@ private:
     AIChatCall *startCall(bool streaming, const QString &message, const std::optional<QString> &currentSQL,
                           AIAssistantMode mode, const QList<AIMessage> &history);
     [[nodiscard]] AppLanguage language() const;
+    KnowledgeMarkers::Result recordKnowledge(const QString &text);
     void setIsLoading(bool loading);
     void setCurrentStreamText(const QString &text);
 

@@ -283,6 +283,21 @@ private Q_SLOTS:
                  u"ok:aaaa"_s);
     }
 
+    // The panel shows what a reply taught beside that reply, so the facts travel with its call.
+    void callCarriesTheFactsItsReplyRecorded()
+    {
+        Fixture f;
+        f.server.setReply({200, {{delta("Use LIMIT.\\n\\n[KNOWLEDGE:数据库版本:MySQL 5.7]") + "\n", 10}},
+                           Ending::Complete, {}});
+        AIChatCall *call = f.service.sendMessageStreaming(u"q"_s, {}, AIAssistantMode::FreeChat, {});
+        QList<KnowledgeChange> recorded;
+        connect(call, &AIChatCall::finished, this, [&] { recorded = call->recordedKnowledge(); });
+        QCOMPARE(await(call).text, u"ok:Use LIMIT."_s);
+        QCOMPARE(recorded.size(), 1);
+        QCOMPARE(recorded.first().content, u"MySQL 5.7"_s);
+        QCOMPARE(recorded.first().itemId, f.store.knowledgeItems().constFirst().id);
+    }
+
     void cancelEndsTheCallAtOnce()
     {
         Fixture f;

@@ -59,9 +59,7 @@ DataStore::DataStore(const QString &dataDirectory, QSettings *settings, QObject 
     , m_dataDirectory(QDir::cleanPath(dataDirectory))
     , m_settings(settings)
 {
-    const QDir dir(m_dataDirectory);
-    m_writer = std::make_unique<StoreWriter>(std::array{
-        dir.filePath(documentsFileName), dir.filePath(versionsFileName), dir.filePath(knowledgeFileName)});
+    m_writer = std::make_unique<StoreWriter>();
     loadData();
 }
 
@@ -122,7 +120,7 @@ void DataStore::loadData()
             if (mapped)
                 file.unmap(mapped);
             if (decoded) {
-                m_writer->markWritten(slot, m_generation[slot]);
+                m_writer->markWritten(path, m_generation[slot]);
                 return;
             }
             file.close();
@@ -263,21 +261,28 @@ void DataStore::requestWrite(Collection collection)
     const int slot = int(collection);
     if (m_unwritable[slot])
         return;
+    const QString path = filePath(collection);
     // The lambdas own copies of the collections: cheap here, and immutable for the writer.
     switch (collection) {
     case Collection::Documents:
-        m_writer->submit(slot, m_generation[slot],
+        m_writer->submit(path, m_generation[slot],
                          [documents = m_documents] { return StoreCodec::encodeDocuments(documents); });
         break;
     case Collection::Versions:
-        m_writer->submit(slot, m_generation[slot],
+        m_writer->submit(path, m_generation[slot],
                          [versions = m_versions] { return StoreCodec::encodeVersions(versions); });
         break;
     case Collection::Knowledge:
-        m_writer->submit(slot, m_generation[slot],
+        m_writer->submit(path, m_generation[slot],
                          [items = m_knowledgeItems] { return StoreCodec::encodeKnowledge(items); });
         break;
     }
+}
+
+QString DataStore::filePath(Collection collection) const
+{
+    static constexpr QLatin1StringView names[] = {documentsFileName, versionsFileName, knowledgeFileName};
+    return m_dataDirectory + u'/' + names[int(collection)];
 }
 
 void DataStore::saveData()
@@ -295,6 +300,17 @@ void DataStore::saveKnowledge()
 void DataStore::flush()
 {
     m_writer->flush();
+}
+
+void DataStore::writeFileInBackground(const QString &path, quint64 generation,
+                                      std::function<QByteArray()> serialize)
+{
+    m_writer->submit(path, generation, std::move(serialize));
+}
+
+void DataStore::removeFileInBackground(const QString &path)
+{
+    m_writer->remove(path);
 }
 
 // Documents
@@ -317,8 +333,10 @@ SQLDocument DataStore::createDocument(const QString &name, const QString &conten
 void DataStore::deleteDocument(const QUuid &id)
 {
     const qsizetype removed = m_documents.removeIf([&id](const SQLDocument &d) { return d.id == id; });
-    if (removed > 0)
+    if (removed > 0) {
         markChanged(Collection::Documents);
+        Q_EMIT documentDeleted(id);
+    }
     if (m_versions.remove(id) > 0)
         markChanged(Collection::Versions);
     if (m_selectedDocumentId == id) {

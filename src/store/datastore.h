@@ -80,6 +80,11 @@ public:
     void saveKnowledge();
     // Blocks until every requested write has finished (at quit, and in tests).
     void flush();
+    // Writes a file of another subsystem's own in the data folder (durably, 0600), on the same
+    // writer thread and in order with the store's files; see StoreWriter for `generation`.
+    void writeFileInBackground(const QString &path, quint64 generation, std::function<QByteArray()> serialize);
+    // Removes such a file, behind the writes queued before.
+    void removeFileInBackground(const QString &path);
 
     // Documents
     SQLDocument createDocument(const QString &name, const QString &content);
@@ -114,6 +119,8 @@ Q_SIGNALS:
     void documentsChanged();
     // Finer notices for list models, sent together with documentsChanged.
     void documentUpdated(const QUuid &id);
+    // A document is gone; what other subsystems keep for it can go too.
+    void documentDeleted(const QUuid &id);
     void versionsChanged();
     void knowledgeItemsChanged();
     void selectedDocumentIdChanged();
@@ -129,6 +136,7 @@ private:
     void selectAndRemember(const QUuid &id);
     void markChanged(Collection collection);
     void requestWrite(Collection collection);
+    [[nodiscard]] QString filePath(Collection collection) const;
     [[nodiscard]] qsizetype indexOfDocument(const QUuid &id) const;
     // Applies `change` to the first document with `id` and moves its date; false if none.
     bool changeDocument(const QUuid &id, const std::function<void(SQLDocument &)> &change);

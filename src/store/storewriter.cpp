@@ -2,9 +2,16 @@
 
 #include "durablefile.h"
 
-StoreWriter::StoreWriter(std::array<QString, slotCount> paths)
-    : m_paths(std::move(paths))
-    , m_thread([this] { run(); })
+#include <QFile>
+
+#include <cerrno>
+#include <cstring>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+StoreWriter::StoreWriter()
+    : m_thread([this] { run(); })
 {}
 
 StoreWriter::~StoreWriter()
@@ -17,42 +24,53 @@ StoreWriter::~StoreWriter()
     m_thread.join();
 }
 
-void StoreWriter::submit(int slot, quint64 generation, std::function<QByteArray()> serialize)
+void StoreWriter::submit(const QString &path, quint64 generation, std::function<QByteArray()> serialize)
 {
     {
         std::lock_guard lock(m_mutex);
-        if (generation == m_written[slot] || generation == m_inFlight[slot] ||
-            generation == m_pending[slot].generation)
+        const FileState state = m_files.value(path);
+        const auto pending = m_pending.constFind(path);
+        if (generation == state.written || generation == state.inFlight ||
+            (pending != m_pending.cend() && pending->serialize && pending->generation == generation))
             return;
-        m_pending[slot] = Job{generation, std::move(serialize)};
+        enqueue(path, Job{generation, std::move(serialize)});
     }
     m_wake.notify_one();
+}
+
+void StoreWriter::remove(const QString &path)
+{
+    {
+        std::lock_guard lock(m_mutex);
+        enqueue(path, Job{});
+    }
+    m_wake.notify_one();
+}
+
+// Called with the lock held.
+void StoreWriter::enqueue(const QString &path, Job job)
+{
+    if (!m_pending.contains(path))
+        m_order.push_back(path);
+    m_pending.insert(path, std::move(job));
 }
 
 void StoreWriter::flush()
 {
     std::unique_lock lock(m_mutex);
-    m_idle.wait(lock, [this] {
-        if (m_busy)
-            return false;
-        for (const Job &job : m_pending) {
-            if (job.serialize)
-                return false;
-        }
-        return true;
-    });
+    m_idle.wait(lock, [this] { return !m_busy && m_order.empty(); });
 }
 
-quint64 StoreWriter::writtenGeneration(int slot) const
+quint64 StoreWriter::writtenGeneration(const QString &path) const
 {
     std::lock_guard lock(m_mutex);
-    return m_written[slot];
+    return m_files.value(path).written;
 }
 
-void StoreWriter::markWritten(int slot, quint64 generation)
+void StoreWriter::markWritten(const QString &path, quint64 generation)
 {
     std::lock_guard lock(m_mutex);
-    m_written[slot] = generation;
+    m_files[path].written = generation;
 }
 
 QString StoreWriter::lastError() const
@@ -65,14 +83,7 @@ void StoreWriter::run()
 {
     std::unique_lock lock(m_mutex);
     while (true) {
-        int slot = -1;
-        for (int i = 0; i < slotCount; ++i) {
-            if (m_pending[i].serialize) {
-                slot = i;
-                break;
-            }
-        }
-        if (slot < 0) {
+        if (m_order.empty()) {
             m_busy = false;
             m_idle.notify_all();
             if (m_stopping)
@@ -80,20 +91,34 @@ void StoreWriter::run()
             m_wake.wait(lock);
             continue;
         }
-        Job job = std::exchange(m_pending[slot], Job{});
-        m_inFlight[slot] = job.generation;
+        const QString path = m_order.front();
+        m_order.pop_front();
+        Job job = m_pending.take(path);
+        const bool removal = !job.serialize;
+        const quint64 generation = job.generation;
+        m_files[path].inFlight = generation;
         m_busy = true;
         lock.unlock();
 
         QString error;
-        const quint64 generation = job.generation;
-        const bool ok = writeFileDurably(m_paths[slot], job.serialize(), &error);
+        bool ok = true;
+        if (removal) {
+            if (::unlink(QFile::encodeName(path).constData()) != 0 && errno != ENOENT) {
+                ok = false;
+                error = u"cannot remove %1: %2"_s.arg(path, QString::fromLocal8Bit(std::strerror(errno)));
+            }
+        } else {
+            ok = writeFileDurably(path, job.serialize(), &error);
+        }
         job = Job{}; // drop the snapshot off the lock
 
         lock.lock();
-        m_inFlight[slot] = 0;
-        if (ok)
-            m_written[slot] = generation;
+        FileState &state = m_files[path];
+        state.inFlight = 0;
+        if (removal)
+            state.written = 0;
+        else if (ok)
+            state.written = generation;
         m_lastError = ok ? QString() : error;
     }
 }

@@ -1,60 +1,66 @@
 #pragma once
 
 #include <QByteArray>
+#include <QHash>
 #include <QString>
 
-#include <array>
 #include <condition_variable>
+#include <deque>
 #include <functional>
 #include <mutex>
 #include <thread>
 
-// Writes the store files on a thread of its own, one file at a time in slot order.
+// Writes files on a thread of its own, one at a time, in the order they were first asked for.
 //
-// A job carries a function that serialises an immutable snapshot (Qt's containers share
-// their data, so taking one is cheap on the caller's side) and the generation of the data
-// it holds. A newer job for a slot replaces a pending older one, so a backlog coalesces
-// into one write of the newest data.
+// A job carries a function that serialises an immutable snapshot (Qt's containers share their
+// data, so taking one is cheap on the caller's side) and the generation of the data it holds.
+// A newer job for a file replaces a queued older one and keeps its place, so a backlog coalesces
+// into one write of the newest data. Removing a file is a job too, queued behind the writes
+// before it; it drops a queued write of the same file.
 class StoreWriter
 {
 public:
-    static constexpr int slotCount = 3;
-
-    // `paths` are the files of the slots, in writing order.
-    explicit StoreWriter(std::array<QString, slotCount> paths);
-    // Finishes the pending writes.
+    StoreWriter();
+    // Finishes the queued jobs.
     ~StoreWriter();
 
     StoreWriter(const StoreWriter &) = delete;
     StoreWriter &operator=(const StoreWriter &) = delete;
 
-    // Queues a write of slot `slot` unless the same generation is written, being written or
-    // queued already.
-    void submit(int slot, quint64 generation, std::function<QByteArray()> serialize);
-    // Blocks until nothing is queued or being written.
+    // Queues a write of `path` unless the same generation is written, being written or queued.
+    void submit(const QString &path, quint64 generation, std::function<QByteArray()> serialize);
+    // Queues the removal of `path`; a missing file is no failure.
+    void remove(const QString &path);
+    // Blocks until nothing is queued or being done.
     void flush();
-    // The generation of the slot's last successful write, 0 before any.
-    [[nodiscard]] quint64 writtenGeneration(int slot) const;
+    // The generation of the path's last successful write, 0 before any (and after a removal).
+    [[nodiscard]] quint64 writtenGeneration(const QString &path) const;
     [[nodiscard]] QString lastError() const;
-    // Records that the file of `slot` already holds `generation` (it was just read).
-    void markWritten(int slot, quint64 generation);
+    // Records that the file at `path` already holds `generation` (it was just read).
+    void markWritten(const QString &path, quint64 generation);
 
 private:
     struct Job
     {
         quint64 generation = 0;
+        // Empty for a removal.
         std::function<QByteArray()> serialize;
     };
+    struct FileState
+    {
+        quint64 written = 0;
+        quint64 inFlight = 0;
+    };
 
+    void enqueue(const QString &path, Job job);
     void run();
 
-    std::array<QString, slotCount> m_paths;
     mutable std::mutex m_mutex;
     std::condition_variable m_wake;
     std::condition_variable m_idle;
-    std::array<Job, slotCount> m_pending;
-    std::array<quint64, slotCount> m_inFlight{};
-    std::array<quint64, slotCount> m_written{};
+    std::deque<QString> m_order;
+    QHash<QString, Job> m_pending;
+    QHash<QString, FileState> m_files;
     bool m_busy = false;
     bool m_stopping = false;
     QString m_lastError;

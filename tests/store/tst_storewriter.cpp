@@ -1,0 +1,115 @@
+#include "storewriter.h"
+
+#include <QFile>
+#include <QSemaphore>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <atomic>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QByteArray read(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<missing>");
+}
+
+} // namespace
+
+// The writer's queue: order, coalescing, removals, generations.
+class TestStoreWriter : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void burstLeavesTheNewestSnapshot()
+    {
+        QTemporaryDir dir;
+        const QString a = dir.filePath(u"a.json"_s);
+        const QString b = dir.filePath(u"b.json"_s);
+        StoreWriter writer;
+        // The first write holds the thread until the burst is queued behind it.
+        QSemaphore release;
+        std::atomic<int> serialized = 0;
+        writer.submit(a, 1, [&] {
+            release.acquire();
+            ++serialized;
+            return QByteArray("a1");
+        });
+        for (int generation = 2; generation <= 50; ++generation) {
+            writer.submit(b, generation, [&, generation]() -> QByteArray {
+                ++serialized;
+                return "b" + QByteArray::number(generation);
+            });
+            writer.submit(a, generation, [&, generation]() -> QByteArray {
+                ++serialized;
+                return "a" + QByteArray::number(generation);
+            });
+        }
+        release.release();
+        writer.flush();
+        QCOMPARE(read(a), "a50");
+        QCOMPARE(read(b), "b50");
+        QCOMPARE(serialized.load(), 3);
+        QCOMPARE(writer.writtenGeneration(a), 50u);
+        QVERIFY(writer.lastError().isEmpty());
+
+        // What is on disk already is not written again.
+        writer.submit(a, 50, [&] {
+            ++serialized;
+            return QByteArray("again");
+        });
+        writer.flush();
+        QCOMPARE(serialized.load(), 3);
+    }
+
+    void removalFollowsTheWritesBeforeIt()
+    {
+        QTemporaryDir dir;
+        const QString path = dir.filePath(u"c.json"_s);
+        StoreWriter writer;
+        QSemaphore release;
+        writer.submit(dir.filePath(u"first.json"_s), 1, [&] {
+            release.acquire();
+            return QByteArray("x");
+        });
+        writer.submit(path, 1, [] { return QByteArray("queued, then dropped"); });
+        writer.remove(path);
+        release.release();
+        writer.flush();
+        QVERIFY(!QFile::exists(path));
+
+        writer.submit(path, 2, [] { return QByteArray("c2"); });
+        writer.flush();
+        QCOMPARE(read(path), "c2");
+        writer.remove(path);
+        writer.flush();
+        QVERIFY(!QFile::exists(path));
+        QCOMPARE(writer.writtenGeneration(path), 0u);
+        // The same generation after a removal is written again: the file is gone.
+        writer.submit(path, 2, [] { return QByteArray("c2"); });
+        writer.flush();
+        QCOMPARE(read(path), "c2");
+        // Removing what is not there is no failure.
+        writer.remove(dir.filePath(u"never.json"_s));
+        writer.flush();
+        QVERIFY(writer.lastError().isEmpty());
+    }
+
+    void failedWriteKeepsTheOldFileAndSaysWhy()
+    {
+        QTemporaryDir dir;
+        const QString path = dir.filePath(u"missing-folder/d.json"_s);
+        StoreWriter writer;
+        writer.submit(path, 1, [] { return QByteArray("d"); });
+        writer.flush();
+        QVERIFY(writer.lastError().contains(u"missing-folder"_s));
+        QCOMPARE(writer.writtenGeneration(path), 0u);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestStoreWriter)
+#include "tst_storewriter.moc"

@@ -32,13 +32,16 @@ private Q_SLOTS:
         const QString b = dir.filePath(u"b.json"_s);
         StoreWriter writer;
         // The first write holds the thread until the burst is queued behind it.
+        QSemaphore started;
         QSemaphore release;
         std::atomic<int> serialized = 0;
         writer.submit(a, 1, [&] {
+            started.release();
             release.acquire();
             ++serialized;
             return QByteArray("a1");
         });
+        started.acquire();
         for (int generation = 2; generation <= 50; ++generation) {
             writer.submit(b, generation, [&, generation]() -> QByteArray {
                 ++serialized;
@@ -71,11 +74,14 @@ private Q_SLOTS:
         QTemporaryDir dir;
         const QString path = dir.filePath(u"c.json"_s);
         StoreWriter writer;
+        QSemaphore started;
         QSemaphore release;
         writer.submit(dir.filePath(u"first.json"_s), 1, [&] {
+            started.release();
             release.acquire();
             return QByteArray("x");
         });
+        started.acquire();
         writer.submit(path, 1, [] { return QByteArray("queued, then dropped"); });
         writer.remove(path);
         release.release();

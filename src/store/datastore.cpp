@@ -125,11 +125,8 @@ void DataStore::loadData()
             }
             file.close();
         }
-        const QString kept = setAside(path);
-        if (kept.isEmpty())
+        if (setAsideDamagedFile(path).isEmpty())
             m_unwritable[slot] = true;
-        else
-            m_setAsideFiles.append(kept);
     };
 
     load(Collection::Documents, documentsFileName, [this](const QByteArray &bytes) {
@@ -150,8 +147,6 @@ void DataStore::loadData()
             m_knowledgeItems = std::move(*items);
         return items.has_value();
     });
-    if (!m_setAsideFiles.isEmpty())
-        Q_EMIT setAsideFilesChanged();
     if (!m_documents.isEmpty())
         Q_EMIT documentsChanged();
     if (!m_versions.isEmpty())
@@ -172,6 +167,16 @@ void DataStore::loadData()
     }
 
     setIsLoading(false);
+}
+
+QString DataStore::setAsideDamagedFile(const QString &path)
+{
+    const QString kept = setAside(path);
+    if (!kept.isEmpty()) {
+        m_setAsideFiles.append(kept);
+        Q_EMIT setAsideFilesChanged();
+    }
+    return kept;
 }
 
 void DataStore::setSelectedDocumentId(const QUuid &id)

@@ -72,6 +72,10 @@ public:
     // Files the store found damaged or unreadable at start and moved aside, full paths.
     [[nodiscard]] QStringList setAsideFiles() const { return m_setAsideFiles; }
     [[nodiscard]] QString dataDirectory() const { return m_dataDirectory; }
+    // Moves a file of the data folder that exists but cannot be used out of the way, under a name
+    // that says so, and lists it in setAsideFiles. Gives the new path, or an empty string when
+    // even that failed; such a file must not be written over.
+    QString setAsideDamagedFile(const QString &path);
 
     // Writes the collections that changed since their last successful write. Returns at
     // once; the files are written in order on the store's writer thread.

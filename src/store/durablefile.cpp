@@ -105,3 +105,75 @@ void removeStaleTemporaryFiles(const QString &folder)
     for (const QString &name : stale)
         QFile::remove(dir.filePath(name));
 }
+
+FileRead readRegularFile(const QString &path, qint64 maxBytes)
+{
+    FileRead result;
+    const QByteArray name = QFile::encodeName(path);
+    // Non-blocking, so that a FIFO does not wait for a writer; regular files ignore the flag.
+    const int fd = ::open(name.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (fd < 0) {
+        result.status = errno == ENOENT ? FileRead::Status::Missing : FileRead::Status::Failed;
+        result.error = systemError("cannot open", path);
+        return result;
+    }
+    const auto fail = [&](const QString &why) {
+        ::close(fd);
+        result.status = FileRead::Status::Failed;
+        result.error = why;
+        return result;
+    };
+    struct stat status
+    {};
+    if (::fstat(fd, &status) != 0)
+        return fail(systemError("cannot read", path));
+    if (!S_ISREG(status.st_mode))
+        return fail(u"%1 is not a regular file"_s.arg(path));
+    if (status.st_size > maxBytes)
+        return fail(u"%1 is larger than %2 bytes"_s.arg(path).arg(maxBytes));
+
+    // One byte more than the size, to notice a file that grows while it is read.
+    result.bytes.resize(qsizetype(status.st_size) + 1);
+    qsizetype filled = 0;
+    while (filled < result.bytes.size()) {
+        const ssize_t got = ::read(fd, result.bytes.data() + filled, size_t(result.bytes.size() - filled));
+        if (got < 0) {
+            if (errno == EINTR)
+                continue;
+            return fail(systemError("cannot read", path));
+        }
+        if (got == 0)
+            break;
+        filled += got;
+    }
+    ::close(fd);
+    if (filled > status.st_size) {
+        result.status = FileRead::Status::Failed;
+        result.error = u"%1 changed while it was read"_s.arg(path);
+        result.bytes.clear();
+        return result;
+    }
+    result.bytes.truncate(filled);
+    result.status = FileRead::Status::Read;
+    return result;
+}
+
+bool makePrivateFolder(const QString &path, QString *error)
+{
+    const QString clean = QDir::cleanPath(QDir(path).absolutePath());
+    QStringList missing;
+    for (QString folder = clean; !QFileInfo(folder).isDir(); folder = QFileInfo(folder).path()) {
+        if (folder == QFileInfo(folder).path())
+            break; // the root
+        missing.prepend(folder);
+    }
+    for (const QString &folder : std::as_const(missing)) {
+        // The umask can only take bits away from 0700.
+        if (::mkdir(QFile::encodeName(folder).constData(), 0700) != 0 && errno != EEXIST) {
+            if (error)
+                *error = systemError("cannot create the folder", folder);
+            return false;
+        }
+    }
+    return true;
+}

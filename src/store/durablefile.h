@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QByteArrayView>
 #include <QString>
 
@@ -15,3 +16,23 @@ inline constexpr QLatin1StringView durableTempMarker{".varnholt-tmp-"};
 
 // Removes the left-over temporary files of `fileName` in `folder`.
 void removeStaleTemporaryFiles(const QString &folder);
+
+// What reading a file gave.
+struct FileRead
+{
+    enum class Status { Read, Missing, Failed };
+    Status status = Status::Missing;
+    QByteArray bytes;
+    // Why it failed, for the user: the path and the reason.
+    QString error;
+};
+
+// Reads the file at `path` whole. Only a regular file is read (a symbolic link is followed): a
+// FIFO, a device or a folder fails at once without blocking, and so does a file larger than
+// `maxBytes`. Nothing is mapped, so a file truncated meanwhile by another program reads short
+// instead of faulting.
+[[nodiscard]] FileRead readRegularFile(const QString &path, qint64 maxBytes);
+
+// Makes `path` and any missing parent a folder only its owner can enter (0700, whatever the
+// umask); folders that exist keep their mode. False, with `error` set, when it cannot.
+bool makePrivateFolder(const QString &path, QString *error = nullptr);

@@ -44,17 +44,26 @@ AIService::AIService(DataStore *store, LanguageManager *language, AIServiceConfi
                                                            : new QNetworkAccessManager(this))
 {}
 
+namespace {
+
+AIService *sharedService = nullptr;
+
+} // namespace
+
 AIService *AIService::shared()
 {
-    static AIService *const instance = [] {
-        auto *service =
-            new AIService(DataStore::shared(), LanguageManager::shared(), AIServiceConfig::fromBuild());
+    if (!sharedService) {
+        sharedService = new AIService(DataStore::shared(), LanguageManager::shared(), AIServiceConfig::fromBuild());
         // Its network manager must go before the application object does.
         if (QCoreApplication *application = QCoreApplication::instance())
-            service->setParent(application);
-        return service;
-    }();
-    return instance;
+            sharedService->setParent(application);
+    }
+    return sharedService;
+}
+
+void AIService::setShared(AIService *service)
+{
+    sharedService = service;
 }
 
 bool AIService::isConfigured() const

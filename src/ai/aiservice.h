@@ -38,7 +38,7 @@ class AIService : public QObject
     Q_OBJECT
     Q_PROPERTY(bool isLoading READ isLoading NOTIFY isLoadingChanged)
     Q_PROPERTY(QString currentStreamText READ currentStreamText NOTIFY currentStreamTextChanged)
-    Q_PROPERTY(bool isConfigured READ isConfigured CONSTANT)
+    Q_PROPERTY(bool isConfigured READ isConfigured NOTIFY isConfiguredChanged)
 
 public:
     // `store` and `language` must outlive the service.
@@ -47,6 +47,9 @@ public:
     // The application's service, made on first use on the shared store and language manager,
     // with the endpoint of the build. It lives as long as the application object.
     [[nodiscard]] static AIService *shared();
+    // Puts `service` in the place of the application's service, for a host that brings its own
+    // endpoint (the screenshot tool, tests); call it before anything asks for the shared one.
+    static void setShared(AIService *service);
 
     [[nodiscard]] bool isLoading() const { return m_isLoading; }
     [[nodiscard]] QString currentStreamText() const { return m_currentStreamText; }
@@ -86,6 +89,8 @@ public:
 Q_SIGNALS:
     void isLoadingChanged();
     void currentStreamTextChanged();
+    // The connection the service would use became complete or incomplete.
+    void isConfiguredChanged();
     // Facts a reply added to the store or wrote over, in marker order; not sent when none.
     void knowledgeRecorded(const QList<KnowledgeChange> &changes);
 

@@ -1,0 +1,63 @@
+#include "conversationstore.h"
+
+#include "datastore.h"
+#include "durablefile.h"
+
+using namespace Qt::StringLiterals;
+
+ConversationStore::ConversationStore(DataStore *store, QObject *parent)
+    : QObject(parent)
+    , m_store(store)
+{
+    connect(store, &DataStore::documentDeleted, this, &ConversationStore::remove);
+}
+
+ConversationStore *ConversationStore::shared()
+{
+    static ConversationStore instance(DataStore::shared());
+    return &instance;
+}
+
+QString ConversationStore::folder() const
+{
+    return m_store->dataDirectory() + u'/' + folderName;
+}
+
+QString ConversationStore::filePath(const QUuid &documentId) const
+{
+    return folder() + u'/' + documentId.toString(QUuid::WithoutBraces).toUpper() + u".json"_s;
+}
+
+QList<ConversationMessage> ConversationStore::load(const QUuid &documentId)
+{
+    if (documentId.isNull())
+        return {};
+    const QString path = filePath(documentId);
+    const FileRead read = readRegularFile(path, maxFileBytes);
+    if (read.status == FileRead::Status::Missing)
+        return {};
+    if (read.status == FileRead::Status::Read) {
+        if (std::optional<QList<ConversationMessage>> messages = ConversationMessage::decodeList(read.bytes))
+            return *messages;
+    }
+    if (m_store->setAsideDamagedFile(path).isEmpty())
+        m_unwritable.insert(documentId);
+    return {};
+}
+
+void ConversationStore::save(const QUuid &documentId, const QList<ConversationMessage> &messages)
+{
+    if (documentId.isNull() || m_unwritable.contains(documentId))
+        return;
+    makePrivateFolder(folder());
+    const quint64 generation = ++m_generations[documentId];
+    // The list is shared, not copied; the writer encodes it off this thread.
+    m_store->writeFileInBackground(filePath(documentId), generation,
+                                   [messages] { return ConversationMessage::encodeList(messages); });
+}
+
+void ConversationStore::remove(const QUuid &documentId)
+{
+    // The generation keeps counting: a save queued behind the removal must not look written.
+    m_store->removeFileInBackground(filePath(documentId));
+}

@@ -5,7 +5,7 @@ import Varnholt
 
 // Takes a version of the shown document with a note. The note is kept only while the sheet
 // is up.
-Popup {
+SheetFrame {
     id: sheet
 
     property int nextVersionNumber: 1
@@ -26,32 +26,12 @@ Popup {
         close()
     }
 
-    parent: Overlay.overlay
-    anchors.centerIn: parent
     width: 320
-    modal: true
-    focus: true
-    padding: 24
-    closePolicy: Popup.CloseOnEscape
     onOpened: noteField.forceActiveFocus()
     onClosed: noteField.text = ""
 
-    background: Rectangle {
-        radius: 12
-        color: Theme.windowBackground
-        border.color: Theme.separator
-    }
-
-    Shortcut {
-        sequences: ["Ctrl+Esc"]
-        enabled: sheet.opened
-        onActivated: sheet.cancel()
-    }
-    Shortcut {
-        sequences: ["Ctrl+Return", "Ctrl+Enter"]
-        enabled: sheet.opened
-        onActivated: sheet.save()
-    }
+    onCancelRequested: sheet.cancel()
+    onAcceptRequested: sheet.save()
 
     contentItem: ColumnLayout {
         spacing: 20

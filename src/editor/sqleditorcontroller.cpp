@@ -257,15 +257,23 @@ void SQLEditorController::formatDocument()
     if (m_isBlank || !m_document)
         return;
     const QString formatted = formatSQL(m_content);
-    if (formatted == m_content)
-        return;
-    // One edit of the whole text, so that Undo brings the old layout back.
+    if (formatted != m_content)
+        replaceText(formatted);
+}
+
+bool SQLEditorController::replaceText(const QString &text)
+{
+    if (!m_document || m_documentId.isNull())
+        return false;
+    syncNow();
+    // One edit of the whole text, so that Undo brings the old text back.
     QTextCursor cursor(m_document);
     cursor.beginEditBlock();
     cursor.select(QTextCursor::Document);
-    cursor.insertText(formatted);
+    cursor.insertText(text);
     cursor.endEditBlock();
     syncNow();
+    return true;
 }
 
 qint64 SQLEditorController::nextVersionNumber() const

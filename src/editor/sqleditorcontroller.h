@@ -71,6 +71,9 @@ public:
 
     // Lays out the whole text with the formatter; undoable. Nothing for a blank text.
     Q_INVOKABLE void formatDocument();
+    // Replaces the whole text as one edit that Undo takes back, and brings it into the store.
+    // False when no document is shown in a view.
+    bool replaceText(const QString &text);
     // Takes a version of the shown document with `note`, or the default note if it is empty.
     Q_INVOKABLE void saveVersion(const QString &note);
     // The number the next version will get.

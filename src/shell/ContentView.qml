@@ -71,6 +71,8 @@ Item {
 
     ContentController {
         id: controller
+
+        editor: editorView.controller
     }
 
     Rectangle {
@@ -96,6 +98,8 @@ Item {
         }
 
         SQLEditorView {
+            id: editorView
+
             width: content.editorWidth
             height: row.height
             showVersionHistory: content.showVersionHistory
@@ -155,9 +159,11 @@ Item {
     Component {
         id: assistantPanel
 
-        EmptyPanel {
-            title: Tr.t("AI Assistant", "AI 助手", "AI アシスタント")
+        AIAssistantView {
+            objectName: "assistantPanel"
+            currentSQL: controller.currentEditorContent
             onCloseRequested: content.setShowAIAssistant(false)
+            onApplyRequested: sql => controller.applySQL(sql)
         }
     }
 

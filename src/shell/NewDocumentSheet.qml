@@ -5,7 +5,7 @@ import Varnholt
 
 // Asks for the name of a new document. An empty name gives the default name of the
 // language in force; any other text is taken as typed.
-Popup {
+SheetFrame {
     id: sheet
 
     property alias nameField: nameField
@@ -22,32 +22,12 @@ Popup {
         close()
     }
 
-    parent: Overlay.overlay
-    anchors.centerIn: parent
     width: 320
-    modal: true
-    focus: true
-    padding: 24
-    closePolicy: Popup.CloseOnEscape
     onOpened: nameField.forceActiveFocus()
     onClosed: nameField.text = ""
 
-    background: Rectangle {
-        radius: 12
-        color: Theme.windowBackground
-        border.color: Theme.separator
-    }
-
-    Shortcut {
-        sequences: ["Ctrl+Esc"]
-        enabled: sheet.opened
-        onActivated: sheet.cancel()
-    }
-    Shortcut {
-        sequences: ["Ctrl+Return", "Ctrl+Enter"]
-        enabled: sheet.opened
-        onActivated: sheet.create()
-    }
+    onCancelRequested: sheet.cancel()
+    onAcceptRequested: sheet.create()
 
     contentItem: ColumnLayout {
         spacing: 20

@@ -40,6 +40,8 @@ QtObject {
     readonly property int captionSize: 10
     readonly property int caption2Size: 10
     readonly property string monospaceFamily: "monospace"
+    // Code in replies and sheets; in points, as the colouring formats carry their size.
+    readonly property real codePointSize: 9
 
     // `c` with its alpha set to `a`.
     function alpha(c: color, a: real): color {

@@ -3,6 +3,7 @@
 #include "iconprovider.h"
 #include "networkguard.h"
 
+#include "aienums.h"
 #include "applanguage.h"
 #include "knowledgeitem.h"
 
@@ -17,6 +18,8 @@ void configureEngine(QQmlEngine *engine)
                                          u"AppLanguage holds values only"_s);
         qmlRegisterUncreatableMetaObject(KnowledgeEnums::staticMetaObject, "Varnholt", 1, 0, "Knowledge",
                                          u"Knowledge holds values only"_s);
+        qmlRegisterUncreatableMetaObject(AIEnums::staticMetaObject, "Varnholt", 1, 0, "AI",
+                                         u"AI holds values only"_s);
         return true;
     }();
     Q_UNUSED(registered)

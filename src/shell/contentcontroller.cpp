@@ -1,6 +1,8 @@
 #include "contentcontroller.h"
 
 #include "datastore.h"
+#include "localizedtext.h"
+#include "sqleditorcontroller.h"
 
 #include <QPointer>
 
@@ -21,6 +23,14 @@ void ContentController::setCurrentEditorContent(const QString &content)
     Q_EMIT currentEditorContentChanged();
 }
 
+void ContentController::setEditor(SQLEditorController *editor)
+{
+    if (editor == m_editor)
+        return;
+    m_editor = editor;
+    Q_EMIT editorChanged();
+}
+
 void ContentController::reloadEditor()
 {
     ++m_editorContentTrigger;
@@ -38,8 +48,25 @@ void ContentController::reloadEditor()
 
 void ContentController::applySQL(const QString &sql)
 {
-    if (m_store->selectedDocumentId().isNull())
+    const QUuid id = m_store->selectedDocumentId();
+    if (id.isNull())
         return;
+    // What was typed last is part of the text that is kept.
+    if (m_editor)
+        m_editor->syncNow();
+    if (const std::optional<SQLDocument> document = m_store->document(id)) {
+        if (document->content == sql)
+            return;
+        const QList<SQLVersion> versions = m_store->versionsForDocument(id);
+        if (versions.isEmpty() || versions.constFirst().content != document->content)
+            m_store->saveVersion(id, localized(u"Before applying AI SQL", u"应用 AI SQL 之前", u"AI SQL 適用前"));
+    }
+    if (m_editor && m_editor->documentIdText() == id.toString(QUuid::WithoutBraces).toUpper() &&
+        m_editor->replaceText(sql)) {
+        m_store->saveData();
+        setCurrentEditorContent(sql);
+        return;
+    }
     m_store->applyContentToSelectedDocument(sql);
     setCurrentEditorContent(sql);
     reloadEditor();

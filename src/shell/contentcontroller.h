@@ -1,15 +1,21 @@
 #pragma once
 
 #include <QObject>
+#include <QPointer>
 #include <QQmlEngine>
 #include <QTimer>
 #include <QUuid>
 
 class DataStore;
+class SQLEditorController;
 
 // The two ways text reaches the editor from outside it (a restored version, SQL applied
-// from the assistant). Both change the store, then make the selection leave and come back
-// 50 ms later, so that the editor reloads the selected document.
+// from the assistant). A restore changes the store, then makes the selection leave and come
+// back 50 ms later, so that the editor reloads the selected document.
+//
+// Applied SQL first keeps the text it replaces as a version (unless the latest version holds
+// it already), then replaces the editor's text as one edit that Undo takes back; without an
+// editor on the document it goes the restore's way.
 class ContentController : public QObject
 {
     Q_OBJECT
@@ -18,6 +24,8 @@ class ContentController : public QObject
     Q_PROPERTY(int editorContentTrigger READ editorContentTrigger NOTIFY editorContentTriggerChanged)
     Q_PROPERTY(QString currentEditorContent READ currentEditorContent WRITE setCurrentEditorContent NOTIFY
                    currentEditorContentChanged)
+    // The editor screen's controller, when there is one.
+    Q_PROPERTY(SQLEditorController *editor READ editor WRITE setEditor NOTIFY editorChanged)
 
 public:
     explicit ContentController(QObject *parent = nullptr);
@@ -26,6 +34,8 @@ public:
     [[nodiscard]] int editorContentTrigger() const { return m_editorContentTrigger; }
     [[nodiscard]] QString currentEditorContent() const { return m_currentEditorContent; }
     void setCurrentEditorContent(const QString &content);
+    [[nodiscard]] SQLEditorController *editor() const { return m_editor; }
+    void setEditor(SQLEditorController *editor);
 
     // After a version was restored.
     Q_INVOKABLE void reloadEditor();
@@ -35,9 +45,11 @@ public:
 Q_SIGNALS:
     void editorContentTriggerChanged();
     void currentEditorContentChanged();
+    void editorChanged();
 
 private:
     DataStore *m_store = nullptr;
+    QPointer<SQLEditorController> m_editor;
     int m_editorContentTrigger = 0;
     QString m_currentEditorContent;
 };

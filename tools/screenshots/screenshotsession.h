@@ -35,4 +35,5 @@ private:
 // The scenes, one function per subsystem, run in this order; each leaves the window as it found
 // it (no sheet open, no panel open) for the next.
 void shootShellScenes(ScreenshotSession &session);
+void shootAssistantScenes(ScreenshotSession &session);
 void shootEmptyStoreScene(ScreenshotSession &session);

@@ -173,7 +173,7 @@ void ConversationController::setStreamingContent(const QString &text)
     Q_EMIT streamingContentChanged();
     if (text.isEmpty()) {
         m_blocksTimer.stop();
-        m_streamingBlocks->setContent({});
+        m_streamingBlocks->clear();
     } else if (!m_blocksTimer.isActive()) {
         m_blocksTimer.start();
     }

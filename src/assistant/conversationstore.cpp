@@ -32,6 +32,9 @@ QList<ConversationMessage> ConversationStore::load(const QUuid &documentId)
 {
     if (documentId.isNull())
         return {};
+    forgetWritten();
+    if (const auto pending = m_pending.constFind(documentId); pending != m_pending.cend())
+        return pending->messages;
     const QString path = filePath(documentId);
     const FileRead read = readRegularFile(path, maxFileBytes);
     if (read.status == FileRead::Status::Missing)
@@ -50,7 +53,9 @@ void ConversationStore::save(const QUuid &documentId, const QList<ConversationMe
     if (documentId.isNull() || m_unwritable.contains(documentId))
         return;
     makePrivateFolder(folder());
+    forgetWritten();
     const quint64 generation = ++m_generations[documentId];
+    m_pending.insert(documentId, {generation, messages});
     // The list is shared, not copied; the writer encodes it off this thread.
     m_store->writeFileInBackground(filePath(documentId), generation,
                                    [messages] { return ConversationMessage::encodeList(messages); });
@@ -59,5 +64,13 @@ void ConversationStore::save(const QUuid &documentId, const QList<ConversationMe
 void ConversationStore::remove(const QUuid &documentId)
 {
     // The generation keeps counting: a save queued behind the removal must not look written.
+    m_pending.remove(documentId);
     m_store->removeFileInBackground(filePath(documentId));
+}
+
+void ConversationStore::forgetWritten()
+{
+    m_pending.removeIf([this](const QHash<QUuid, Pending>::iterator &entry) {
+        return m_store->isFileWritten(filePath(entry.key()), entry->generation);
+    });
 }

@@ -14,6 +14,9 @@ class DataStore;
 // and not a rewrite of everything. Files are written durably on the store's writer thread, in
 // order with the store's own files; a conversation is read when its document is shown.
 //
+// A conversation whose newest save is not on disk yet (or could not be written) is read from
+// memory, so that a document shown again at once shows what it had.
+//
 // A file that exists but cannot be read or decoded is set aside like the store's files (and
 // listed with them) and the conversation starts empty; if it cannot even be moved, it is not
 // written over in this session. Deleting a document removes its conversation.
@@ -41,9 +44,18 @@ public:
     void save(const QUuid &documentId, const QList<ConversationMessage> &messages);
 
 private:
+    struct Pending
+    {
+        quint64 generation = 0;
+        QList<ConversationMessage> messages;
+    };
+
     void remove(const QUuid &documentId);
+    void forgetWritten();
 
     DataStore *m_store = nullptr;
+    // Saved, and not known to be on disk yet; shares its data with the writer's snapshot.
+    QHash<QUuid, Pending> m_pending;
     // Bumped at every save, so that the writer can drop older queued snapshots.
     QHash<QUuid, quint64> m_generations;
     // Damaged files that could not be moved aside.

@@ -38,6 +38,16 @@ void MarkdownBlockModel::setContent(const QString &content)
     }
 }
 
+void MarkdownBlockModel::clear()
+{
+    if (m_rows.isEmpty())
+        return;
+    beginResetModel();
+    m_rows.clear();
+    endResetModel();
+    Q_EMIT countChanged();
+}
+
 int MarkdownBlockModel::rowCount(const QModelIndex &parent) const
 {
     return parent.isValid() ? 0 : int(m_rows.size());

@@ -28,6 +28,8 @@ public:
     explicit MarkdownBlockModel(QObject *parent = nullptr);
 
     void setContent(const QString &content);
+    // No blocks at all (an empty reply still has its one empty block).
+    void clear();
 
     [[nodiscard]] int rowCount(const QModelIndex &parent = {}) const override;
     [[nodiscard]] QVariant data(const QModelIndex &index, int role) const override;

@@ -318,6 +318,11 @@ void DataStore::removeFileInBackground(const QString &path)
     m_writer->remove(path);
 }
 
+bool DataStore::isFileWritten(const QString &path, quint64 generation) const
+{
+    return m_writer->writtenGeneration(path) >= generation;
+}
+
 // Documents
 
 SQLDocument DataStore::createDocument(const QString &name, const QString &content)

@@ -89,6 +89,8 @@ public:
     void writeFileInBackground(const QString &path, quint64 generation, std::function<QByteArray()> serialize);
     // Removes such a file, behind the writes queued before.
     void removeFileInBackground(const QString &path);
+    // Whether the file holds `generation` of its data, or a later one.
+    [[nodiscard]] bool isFileWritten(const QString &path, quint64 generation) const;
 
     // Documents
     SQLDocument createDocument(const QString &name, const QString &content);

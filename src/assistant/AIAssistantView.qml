@@ -409,7 +409,9 @@ Rectangle {
 
                     QuickActionButton {
                         required property int modelData
+                        required property int index
 
+                        objectName: ["explainButton", "optimizeButton", "fixErrorButton"][index]
                         mode: modelData
                         isDisabled: conversation.currentSQL.length === 0
                         onClicked: conversation.handleQuickAction(mode)

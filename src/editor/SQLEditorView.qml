@@ -35,6 +35,8 @@ Rectangle {
         id: controller
 
         onCurrentContentChanged: editor.currentContentEdited(currentContent)
+        // The text loaded as the controller was made, before anyone listened.
+        Component.onCompleted: editor.currentContentEdited(currentContent)
     }
 
     Shortcut {

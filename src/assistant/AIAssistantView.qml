@@ -15,19 +15,27 @@ Rectangle {
     signal closeRequested
     signal applyRequested(string sql)
 
-    // Animated, ease-out over a quarter second, to the bottom of the list.
+    // Animated, ease-out over a quarter second, to the bottom of the list. From far above it
+    // jumps to a screen above the bottom first, rather than building every row on the way.
     function scrollToBottom() {
         Qt.callLater(() => {
+            followsBottom.restart()
             const from = list.contentY
             list.positionViewAtEnd()
             const to = list.contentY
             if (Math.abs(to - from) < 1)
                 return
-            list.contentY = from
-            scrollAnimation.from = from
+            const start = Math.max(from, to - list.height)
+            list.contentY = start
+            scrollAnimation.from = start
             scrollAnimation.to = to
             scrollAnimation.restart()
         })
+    }
+    function showBottomNow() {
+        scrollAnimation.stop()
+        followsBottom.restart()
+        list.positionViewAtEnd()
     }
 
     color: Theme.windowBackground
@@ -37,10 +45,7 @@ Rectangle {
 
         objectName: "conversationController"
         currentSQL: panel.currentSQL
-        onConversationSwitched: {
-            scrollAnimation.stop()
-            list.positionViewAtEnd()
-        }
+        onConversationSwitched: panel.showBottomNow()
         onIsLoadingChanged: {
             if (isLoading)
                 panel.scrollToBottom()
@@ -63,6 +68,14 @@ Rectangle {
         interval: 100
         running: true
         onTriggered: panel.scrollToBottom()
+    }
+
+    // Rows are built over a few frames and grow as they are; for a moment after the list was
+    // sent to its bottom it stays there while they do, unless the user moves it.
+    Timer {
+        id: followsBottom
+
+        interval: 600
     }
 
     ColumnLayout {
@@ -242,6 +255,11 @@ Rectangle {
                 bottomMargin: 4
                 boundsBehavior: Flickable.StopAtBounds
                 model: conversation.messages
+                onMovementStarted: followsBottom.stop()
+                onContentHeightChanged: {
+                    if (followsBottom.running && !scrollAnimation.running)
+                        positionViewAtEnd()
+                }
                 // Rows are built only where they show, plus a screen's worth around.
                 cacheBuffer: height
                 ScrollBar.vertical: ScrollBar {
@@ -264,7 +282,8 @@ Rectangle {
                         id: bubble
 
                         x: 12
-                        width: row.width - 24
+                        // Clear of the scroll bar, which always shows.
+                        width: row.width - 12 - list.ScrollBar.vertical.width - 6
                         messageRole: row.messageRole
                         content: row.content
                         blocks: row.blocks
@@ -283,7 +302,7 @@ Rectangle {
 
                         objectName: "streamingBubble"
                         x: 12
-                        width: list.width - 24
+                        width: list.width - 12 - list.ScrollBar.vertical.width - 6
                         visible: conversation.isStreaming && conversation.streamingContent.length > 0
                         blocks: conversation.streamingBlocks
                     }
@@ -292,7 +311,7 @@ Rectangle {
 
                         objectName: "loadingIndicator"
                         x: 12
-                        width: list.width - 24
+                        width: list.width - 12 - list.ScrollBar.vertical.width - 6
                         visible: conversation.isLoading && conversation.streamingContent.length === 0
                     }
                     // The bottom of the conversation; the list is "at the bottom" while it shows.
@@ -309,6 +328,11 @@ Rectangle {
                     property: "contentY"
                     duration: 250
                     easing.type: Easing.OutQuad
+                    // Rows that grew meanwhile moved the bottom.
+                    onFinished: {
+                        if (followsBottom.running)
+                            list.positionViewAtEnd()
+                    }
                 }
             }
 
@@ -328,6 +352,7 @@ Rectangle {
                 focusPolicy: Qt.StrongFocus
                 text: Tr.t("Scroll to bottom", "回到底部", "一番下へ")
                 Accessible.name: text
+                Accessible.onPressAction: clicked()
                 leftPadding: 12
                 rightPadding: 12
                 topPadding: 6

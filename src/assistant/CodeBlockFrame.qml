@@ -28,6 +28,7 @@ Rectangle {
         focusPolicy: Qt.StrongFocus
         hoverEnabled: true
         Accessible.name: text
+        Accessible.onPressAction: clicked()
         ToolTip.visible: hovered && ToolTip.text.length > 0
         ToolTip.delay: 500
         padding: 2

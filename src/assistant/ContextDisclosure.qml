@@ -25,6 +25,7 @@ ColumnLayout {
         Accessible.role: Accessible.CheckBox
         Accessible.name: text
         Accessible.checked: disclosure.expanded
+        Accessible.onPressAction: clicked()
         onClicked: disclosure.expanded = !disclosure.expanded
         padding: 2
         contentItem: Row {

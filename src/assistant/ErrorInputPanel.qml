@@ -89,6 +89,7 @@ Rectangle {
             focusPolicy: Qt.StrongFocus
             text: Tr.t("Analyze & Fix", "分析并修复", "分析して修復")
             Accessible.name: text
+            Accessible.onPressAction: clicked()
             leftPadding: 12
             rightPadding: 12
             topPadding: 7

@@ -17,6 +17,7 @@ AbstractButton {
     focusPolicy: Qt.StrongFocus
     hoverEnabled: true
     Accessible.name: text
+    Accessible.onPressAction: clicked()
     ToolTip.visible: hovered
     ToolTip.delay: 500
     ToolTip.text: text

@@ -55,6 +55,7 @@ Column {
                 hoverEnabled: true
                 text: Tr.t("Undo", "撤销", "元に戻す")
                 Accessible.name: text + ": " + fact.modelData.content
+                Accessible.onPressAction: clicked()
                 padding: 1
                 contentItem: Label {
                     text: parent.text

@@ -36,12 +36,15 @@ Rectangle {
                 required property bool isApplicable
 
                 width: column.width
+                // A long reply is built over a few frames rather than in one long pause.
+                asynchronous: true
                 sourceComponent: !isCode ? prose : isApplicable ? sqlCode : otherCode
 
                 Component {
                     id: prose
 
                     MarkdownTextView {
+                        width: block.width
                         text: block.text
                     }
                 }
@@ -49,6 +52,7 @@ Rectangle {
                     id: sqlCode
 
                     CodeBlockView {
+                        width: block.width
                         code: block.text
                         canApply: view.canApply
                         onApplyRequested: view.applyRequested(block.text)
@@ -58,6 +62,7 @@ Rectangle {
                     id: otherCode
 
                     GenericCodeBlockView {
+                        width: block.width
                         code: block.text
                         language: block.language
                     }

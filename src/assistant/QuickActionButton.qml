@@ -28,6 +28,7 @@ AbstractButton {
     hoverEnabled: true
     text: AIModes.displayName(mode, LanguageManager.resolvedLanguage)
     Accessible.name: text
+    Accessible.onPressAction: clicked()
     leftPadding: 10
     rightPadding: 10
     topPadding: 6

@@ -22,8 +22,9 @@ Column {
 
         BusyIndicator {
             anchors.verticalCenter: parent.verticalCenter
-            width: 14
-            height: 14
+            implicitWidth: 18
+            implicitHeight: 18
+            padding: 0
             running: bubble.visible
         }
         Label {

@@ -2,6 +2,7 @@
 
 #include "iconprovider.h"
 #include "networkguard.h"
+#include "slicedincubationcontroller.h"
 
 #include "aienums.h"
 #include "applanguage.h"
@@ -26,4 +27,6 @@ void configureEngine(QQmlEngine *engine)
     static NetworkGuardFactory networkGuard;
     engine->setNetworkAccessManagerFactory(&networkGuard);
     engine->addImageProvider(u"icons"_s, new IconProvider);
+    // Deleted with the engine; it detaches itself from the engine as it goes.
+    engine->setIncubationController(new SlicedIncubationController(engine));
 }

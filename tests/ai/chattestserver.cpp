@@ -89,25 +89,31 @@ void ChatTestServer::answer(QTcpSocket *socket, const Request &request)
     socket->write(head + "Transfer-Encoding: chunked\r\n\r\n");
 
     // Each piece is one chunk of the chunked body, written after its pause.
-    QPointer<QTcpSocket> guard(socket);
-    int at = 0;
-    for (const Piece &piece : reply.pieces) {
-        at += piece.delayMs;
-        QTimer::singleShot(at, this, [guard, piece] {
-            if (!guard)
-                return;
-            guard->write(QByteArray::number(piece.bytes.size(), 16) + "\r\n" + piece.bytes + "\r\n");
-            guard->flush();
-        });
-    }
-    QTimer::singleShot(at, this, [guard, ending = reply.ending] {
-        if (!guard || ending == Ending::Stall)
+    writePiece(socket, reply, 0);
+}
+
+// Writes piece `index` after its pause, then schedules the next: pieces leave in order whatever
+// slack the system gives timers.
+void ChatTestServer::writePiece(const QPointer<QTcpSocket> &socket, const Reply &reply, qsizetype index)
+{
+    const int pause = index < reply.pieces.size() ? reply.pieces.at(index).delayMs : 0;
+    QTimer::singleShot(pause, Qt::PreciseTimer, this, [this, socket, reply, index] {
+        if (!socket)
             return;
-        if (ending == Ending::Drop) {
-            guard->abort();
+        if (index < reply.pieces.size()) {
+            const Piece &piece = reply.pieces.at(index);
+            socket->write(QByteArray::number(piece.bytes.size(), 16) + "\r\n" + piece.bytes + "\r\n");
+            socket->flush();
+            writePiece(socket, reply, index + 1);
             return;
         }
-        guard->write("0\r\n\r\n");
-        guard->disconnectFromHost();
+        if (reply.ending == Ending::Stall)
+            return;
+        if (reply.ending == Ending::Drop) {
+            socket->abort();
+            return;
+        }
+        socket->write("0\r\n\r\n");
+        socket->disconnectFromHost();
     });
 }

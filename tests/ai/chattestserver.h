@@ -4,6 +4,7 @@
 #include <QList>
 #include <QMap>
 #include <QObject>
+#include <QPointer>
 #include <QSslCertificate>
 #include <QSslKey>
 
@@ -58,6 +59,7 @@ public:
 private:
     void serve(QTcpSocket *socket);
     void answer(QTcpSocket *socket, const Request &request);
+    void writePiece(const QPointer<QTcpSocket> &socket, const Reply &reply, qsizetype index);
 
     QByteArray m_signingKey;
     bool m_tls = false;

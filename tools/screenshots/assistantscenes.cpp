@@ -83,6 +83,7 @@ void shootAssistantScenes(ScreenshotSession &session)
     QMetaObject::invokeMethod(controller, "handleQuickAction", Q_ARG(AIEnums::AIAssistantMode, AIAssistantMode::Explain));
     ScreenshotSession::wait(2500);
     session.shoot(u"assistant-streaming"_s, 0);
+
     for (int i = 0; i < 100 && controller->property("isStreaming").toBool(); ++i)
         ScreenshotSession::wait(100);
     session.shoot(u"assistant-reply"_s, 600);

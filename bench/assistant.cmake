@@ -1,0 +1,5 @@
+find_package(Qt6 REQUIRED COMPONENTS Test)
+add_executable(bench_assistant assistant/bench_assistant.cpp ${PROJECT_SOURCE_DIR}/tests/ai/chattestserver.cpp)
+target_link_libraries(bench_assistant PRIVATE varnholt_views varnholt_viewsplugin Qt6::Test Qt6::Network)
+target_include_directories(bench_assistant PRIVATE ${PROJECT_SOURCE_DIR}/tests/common ${PROJECT_SOURCE_DIR}/tests/ai)
+target_compile_definitions(bench_assistant PRIVATE VARNHOLT_BENCH_CORPUS="${VARNHOLT_BENCH_CORPUS}")

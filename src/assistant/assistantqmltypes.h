@@ -33,7 +33,6 @@ struct MarkdownBlockModelForeign
     Q_GADGET
     QML_FOREIGN(MarkdownBlockModel)
     QML_NAMED_ELEMENT(MarkdownBlockModel)
-    QML_UNCREATABLE("made by ConversationController")
 };
 
 // The name and icon of an assistant mode in a given language; the views pass the language in

@@ -9,6 +9,10 @@ MarkdownBlockModel::MarkdownBlockModel(QObject *parent)
 
 void MarkdownBlockModel::setContent(const QString &content)
 {
+    if (content == m_content && !m_rows.isEmpty())
+        return;
+    m_content = content;
+    Q_EMIT contentChanged();
     const QList<MarkdownBlock> blocks = parseBlocks(content);
     const qsizetype common = std::min(blocks.size(), m_rows.size());
     for (qsizetype i = 0; i < common; ++i) {
@@ -40,6 +44,7 @@ void MarkdownBlockModel::setContent(const QString &content)
 
 void MarkdownBlockModel::clear()
 {
+    m_content.clear();
     if (m_rows.isEmpty())
         return;
     beginResetModel();

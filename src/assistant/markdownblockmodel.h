@@ -13,6 +13,7 @@ class MarkdownBlockModel : public QAbstractListModel
 {
     Q_OBJECT
     Q_PROPERTY(int count READ rowCount NOTIFY countChanged)
+    Q_PROPERTY(QString content READ content WRITE setContent NOTIFY contentChanged)
 
 public:
     enum Role {
@@ -27,6 +28,7 @@ public:
 
     explicit MarkdownBlockModel(QObject *parent = nullptr);
 
+    [[nodiscard]] QString content() const { return m_content; }
     void setContent(const QString &content);
     // No blocks at all (an empty reply still has its one empty block).
     void clear();
@@ -37,6 +39,7 @@ public:
 
 Q_SIGNALS:
     void countChanged();
+    void contentChanged();
 
 private:
     struct Row
@@ -46,5 +49,6 @@ private:
         QString shownText;
     };
 
+    QString m_content;
     QList<Row> m_rows;
 };

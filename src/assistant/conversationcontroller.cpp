@@ -355,12 +355,11 @@ void ConversationController::stopStreaming()
 
 void ConversationController::flush()
 {
+    // Every other change was saved as it was made; an unchanged conversation is not written again.
     if (m_isStreaming || !m_streamingContent.isEmpty()) {
         cancelCall();
         interruptStreaming();
     }
-    // Saved also when nothing changed: the file then holds what is on show.
-    saveMessages();
 }
 
 void ConversationController::clearConversation()

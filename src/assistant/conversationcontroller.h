@@ -99,7 +99,7 @@ public:
     Q_INVOKABLE void dismissError();
     // Takes back what a reply taught: a new item is deleted, a replaced one gets its old text.
     Q_INVOKABLE void undoLearnedFact(int row, const QString &itemId);
-    // Stops a reply under way (keeping it, with the note) and saves the conversation.
+    // Stops a reply under way, keeping it with the note in the conversation it belongs to.
     Q_INVOKABLE void flush();
     [[nodiscard]] QVariantList contextPreview() const;
 

@@ -5,6 +5,7 @@
 #include "datastore.h"
 #include "languagemanager.h"
 
+#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -222,6 +223,13 @@ private Q_SLOTS:
         QVERIFY(f.waitForText());
         f.controller.reset();
         QCOMPARE(f.stored(second), (QStringList{u"user: q"_s, u"assistant: For the first"_s + note}));
+
+        // Looking at a document does not write its conversation.
+        const QUuid third = f.store->createDocument(u"Third"_s, u"SELECT 3;"_s).id;
+        f.open();
+        f.store->setSelectedDocumentId(first);
+        f.store->flush();
+        QVERIFY(!QFile::exists(f.conversations->filePath(third)));
 
         // With nothing selected nothing is shown or kept.
         f.open();

@@ -62,17 +62,24 @@ QByteArray AIMessage::encodeList(const QList<AIMessage> &messages)
     return QJsonDocument(array).toJson(QJsonDocument::Compact);
 }
 
-std::optional<QList<AIMessage>> AIMessage::decodeList(const QByteArray &json)
+std::optional<QJsonArray> AIMessage::parseList(const QByteArray &json)
 {
     if (!JsonReader::validate(json))
         return std::nullopt;
     const QJsonDocument document = QJsonDocument::fromJson(json);
     if (!document.isArray())
         return std::nullopt;
-    const QJsonArray array = document.array();
+    return document.array();
+}
+
+std::optional<QList<AIMessage>> AIMessage::decodeList(const QByteArray &json)
+{
+    const std::optional<QJsonArray> array = parseList(json);
+    if (!array)
+        return std::nullopt;
     QList<AIMessage> messages;
-    messages.reserve(array.size());
-    for (const QJsonValue &element : array) {
+    messages.reserve(array->size());
+    for (const QJsonValue &element : *array) {
         std::optional<AIMessage> message = fromJson(element);
         if (!message)
             return std::nullopt;

@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <QDateTime>
+#include <QJsonArray>
 #include <QJsonObject>
 #include <QJsonValue>
 #include <QList>
@@ -40,6 +41,8 @@ public:
     // A whole conversation; reading fails as a whole when any element is faulty.
     [[nodiscard]] static QByteArray encodeList(const QList<AIMessage> &messages);
     [[nodiscard]] static std::optional<QList<AIMessage>> decodeList(const QByteArray &json);
+    // The array of a conversation's strict JSON text, before its elements are read.
+    [[nodiscard]] static std::optional<QJsonArray> parseList(const QByteArray &json);
 
     friend bool operator==(const AIMessage &, const AIMessage &) = default;
 };

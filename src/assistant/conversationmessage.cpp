@@ -1,6 +1,5 @@
 #include "conversationmessage.h"
 
-#include "jsonreader.h"
 #include "storecodec.h"
 
 #include <QJsonArray>
@@ -59,15 +58,12 @@ QByteArray ConversationMessage::encodeList(const QList<ConversationMessage> &mes
 
 std::optional<QList<ConversationMessage>> ConversationMessage::decodeList(const QByteArray &json)
 {
-    if (!JsonReader::validate(json))
+    const std::optional<QJsonArray> array = AIMessage::parseList(json);
+    if (!array)
         return std::nullopt;
-    const QJsonDocument document = QJsonDocument::fromJson(json);
-    if (!document.isArray())
-        return std::nullopt;
-    const QJsonArray array = document.array();
     QList<ConversationMessage> messages;
-    messages.reserve(array.size());
-    for (const QJsonValue &element : array) {
+    messages.reserve(array->size());
+    for (const QJsonValue &element : *array) {
         std::optional<AIMessage> message = AIMessage::fromJson(element);
         if (!message)
             return std::nullopt;

@@ -447,6 +447,7 @@ Rectangle {
             ContextDisclosure {
                 id: context
 
+                objectName: "contextDisclosure"
                 Layout.fillWidth: true
                 elements: expanded ? conversation.contextPreview : []
             }

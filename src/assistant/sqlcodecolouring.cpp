@@ -56,10 +56,16 @@ void SQLCodeColouring::setFontSize(double size)
     scheduleColouring();
 }
 
+void SQLCodeColouring::componentComplete()
+{
+    m_isComplete = true;
+    colour();
+}
+
 // Once, after the item has finished setting its text and the bindings have settled.
 void SQLCodeColouring::scheduleColouring()
 {
-    if (m_isScheduled)
+    if (m_isScheduled || !m_isComplete)
         return;
     m_isScheduled = true;
     QMetaObject::invokeMethod(this, &SQLCodeColouring::colour, Qt::QueuedConnection);

@@ -4,14 +4,16 @@
 #include <QObject>
 #include <QPointer>
 #include <QQmlEngine>
+#include <QQmlParserStatus>
 #include <QQuickTextDocument>
 class QTextDocument;
 
 // Colours the SQL shown by a read-only text item with the read-only colouring pass, whenever its
 // text or the colours change. The item shows plain text; only the formats are added.
-class SQLCodeColouring : public QObject
+class SQLCodeColouring : public QObject, public QQmlParserStatus
 {
     Q_OBJECT
+    Q_INTERFACES(QQmlParserStatus)
     QML_ELEMENT
     Q_PROPERTY(QQuickTextDocument *textDocument READ textDocument WRITE setTextDocument NOTIFY textDocumentChanged)
     // The theme's colours of plain text and comments; the other colours are fixed.
@@ -32,6 +34,10 @@ public:
     [[nodiscard]] double fontSize() const { return m_fontSize; }
     void setFontSize(double size);
 
+    void classBegin() override {}
+    // Coloured before the item is first drawn.
+    void componentComplete() override;
+
 Q_SIGNALS:
     void textDocumentChanged();
     void coloursChanged();
@@ -46,4 +52,5 @@ private:
     QColor m_commentColor{Qt::gray};
     double m_fontSize = 10;
     bool m_isScheduled = false;
+    bool m_isComplete = false;
 };

@@ -88,6 +88,14 @@ void shootAssistantScenes(ScreenshotSession &session)
         ScreenshotSession::wait(100);
     session.shoot(u"assistant-reply"_s, 600);
 
+    // The disclosure of what the next request carries.
+    QObject *context = session.find("contextDisclosure");
+    context->setProperty("expanded", true);
+    controller->setProperty("inputText", u"Which index is best?"_s);
+    session.shoot(u"assistant-context"_s, 400);
+    context->setProperty("expanded", false);
+    controller->setProperty("inputText", QString());
+
     QMetaObject::invokeMethod(controller, "handleQuickAction", Q_ARG(AIEnums::AIAssistantMode, AIAssistantMode::FixError));
     controller->setProperty("errorInputText",
                             u"ERROR 1054 (42S22): Unknown column 'o.total' in 'field list'"_s);

@@ -10,6 +10,7 @@ packages=(
     qml6-module-qttest qml6-module-qtquick-shapes qml6-module-qtqml-models
     qt6-svg-dev libqt6svg6 libicu-dev libmd4c-dev libgl-dev libvulkan-dev fonts-noto-cjk fonts-noto-color-emoji
     xvfb xauth
+    desktop-file-utils appstream dpkg-dev lintian
 )
 sudo=""
 if [ "$(id -u)" -ne 0 ]; then sudo="sudo"; fi

@@ -2,6 +2,7 @@
 #include "appengine.h"
 
 #include <QGuiApplication>
+#include <QIcon>
 #include <QQmlApplicationEngine>
 #include <QQuickStyle>
 #include <QtQml/qqmlextensionplugin.h>
@@ -16,7 +17,10 @@ int main(int argc, char *argv[])
     // No organisation name: it would become part of the data folder's path.
     QGuiApplication::setApplicationName(u"Varnholt"_s);
     QGuiApplication::setApplicationDisplayName(u"Varnholt"_s);
-    QGuiApplication::setDesktopFileName(u"varnholt"_s);
+    // The launcher entry's name, so that the desktop matches the window to it and its icon.
+    QGuiApplication::setDesktopFileName(u"org.varnholt.Varnholt"_s);
+    QGuiApplication::setWindowIcon(
+        QIcon::fromTheme(u"org.varnholt.Varnholt"_s, QIcon(u":/org.varnholt.Varnholt.svg"_s)));
     QQuickStyle::setStyle(u"Fusion"_s);
 
     AppDelegate delegate(&app);

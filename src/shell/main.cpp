@@ -1,10 +1,13 @@
 #include "appdelegate.h"
 #include "appengine.h"
+#include "datastore.h"
+#include "singleinstance.h"
 
 #include <QGuiApplication>
 #include <QIcon>
 #include <QQmlApplicationEngine>
 #include <QQuickStyle>
+#include <QWindow>
 #include <QtQml/qqmlextensionplugin.h>
 
 using namespace Qt::StringLiterals;
@@ -23,6 +26,12 @@ int main(int argc, char *argv[])
         QIcon::fromTheme(u"org.varnholt.Varnholt"_s, QIcon(u":/org.varnholt.Varnholt.svg"_s)));
     QQuickStyle::setStyle(u"Fusion"_s);
 
+    // A second start raises the running window instead of opening the same data again.
+    SingleInstance instance(DataStore::defaultDataDirectory());
+    if (instance.handOverToRunningInstance())
+        return 0;
+    instance.listen();
+
     AppDelegate delegate(&app);
     QQmlApplicationEngine engine;
     configureEngine(&engine);
@@ -30,5 +39,14 @@ int main(int argc, char *argv[])
         &engine, &QQmlApplicationEngine::objectCreationFailed, &app, [] { QCoreApplication::exit(1); },
         Qt::QueuedConnection);
     engine.load(QUrl(u"qrc:/Varnholt/Main.qml"_s));
+    QObject::connect(&instance, &SingleInstance::activationRequested, &engine, [&engine] {
+        for (QObject *root : engine.rootObjects()) {
+            if (auto *window = qobject_cast<QWindow *>(root)) {
+                window->show();
+                window->raise();
+                window->requestActivate();
+            }
+        }
+    });
     return QGuiApplication::exec();
 }

@@ -40,7 +40,10 @@ ApplicationWindow {
         }
     }
 
+    Component.onCompleted: windowState.restore(window)
+
     onClosing: close => {
+        windowState.save(window)
         if (window.isClosingWithAnimation)
             return
         window.isClosingWithAnimation = true
@@ -59,7 +62,13 @@ ApplicationWindow {
         onFinished: window.close()
     }
 
+    WindowState {
+        id: windowState
+    }
+
     ContentView {
         anchors.fill: parent
+        rightPanel: windowState.rightPanel()
+        onRightPanelChanged: windowState.setRightPanel(rightPanel)
     }
 }

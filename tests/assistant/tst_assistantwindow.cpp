@@ -120,7 +120,9 @@ class TestAssistantWindow : public QObject
     }
     void openPanel()
     {
-        click(find("assistantToggle"));
+        // The panel open when the last window closed opens with the next one.
+        if (!find("assistantPanel"))
+            click(find("assistantToggle"));
         QTRY_VERIFY(find("assistantPanel"));
         QTRY_VERIFY(conversation());
         // Clicks land where the panel is once it has slid in.

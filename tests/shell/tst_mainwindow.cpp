@@ -1,9 +1,11 @@
 #include "appdelegate.h"
 #include "appengine.h"
+#include "appsettings.h"
 #include "datastore.h"
 #include "languagemanager.h"
 #include "storecodec.h"
 #include "testenvironment.h"
+#include "windowstate.h"
 
 #include <QDir>
 #include <QFile>
@@ -87,6 +89,26 @@ private Q_SLOTS:
         QTest::qWait(50);
         QCOMPARE(store->versions(), versions);
         LanguageManager::shared()->setCurrentLanguage(AppLanguage::En);
+    }
+
+    // The next start finds the window where it was, at its size, with the same panel open.
+    void windowComesBackAsItWasLeft()
+    {
+        QObject *content = m_window->findChild<QObject *>(u"contentView"_s);
+        QMetaObject::invokeMethod(content, "setShowVersionHistory", Q_ARG(bool, true));
+        m_window->resize(1111, 777);
+        QTRY_COMPARE(m_window->width(), 1111);
+        m_window->close();
+        QTRY_VERIFY_WITH_TIMEOUT(!m_window->isVisible(), 2000);
+        cleanup();
+        QVERIFY(openWindow());
+        QCOMPARE(m_window->size(), QSize(1111, 777));
+        content = m_window->findChild<QObject *>(u"contentView"_s);
+        QCOMPARE(content->property("rightPanel").toInt(), 1);
+        // The other tests start from the default window.
+        QMetaObject::invokeMethod(content, "setShowVersionHistory", Q_ARG(bool, false));
+        for (const QLatin1StringView key : {WindowState::geometryKey, WindowState::maximizedKey})
+            applicationSettings()->remove(key);
     }
 
     void closeFadesThenCloses()

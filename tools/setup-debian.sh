@@ -7,7 +7,7 @@ packages=(
     qt6-base-dev qt6-base-dev-tools qt6-declarative-dev qt6-declarative-dev-tools
     qml6-module-qtquick qml6-module-qtquick-controls qml6-module-qtquick-layouts
     qml6-module-qtquick-templates qml6-module-qtquick-window qml6-module-qtqml-workerscript
-    qml6-module-qttest qml6-module-qtquick-shapes qml6-module-qtqml-models
+    qml6-module-qttest qml6-module-qtquick-shapes qml6-module-qtqml-models qml6-module-qtquick-dialogs
     qt6-svg-dev libqt6svg6 libicu-dev libmd4c-dev libgl-dev libvulkan-dev fonts-noto-cjk fonts-noto-color-emoji
     xvfb xauth
     desktop-file-utils appstream dpkg-dev lintian

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Controls
+import QtQuick.Dialogs
 import Varnholt
 
 // The main window: the File menu's commands, the content, and the fade when it closes.
@@ -26,6 +27,22 @@ ApplicationWindow {
                 shortcut: "Ctrl+N"
                 onTriggered: AppCommands.newDocument()
             }
+            Action {
+                text: Tr.t("Open…", "打开…", "開く…")
+                shortcut: "Ctrl+O"
+                onTriggered: openDialog.open()
+            }
+            Action {
+                text: Tr.t("Export…", "导出…", "書き出す…")
+                shortcut: "Ctrl+E"
+                enabled: content.controller.editor !== null && content.controller.editor.hasDocument
+                onTriggered: {
+                    content.controller.editor.syncNow()
+                    exportDialog.selectedFile = transfer.suggestedFileName
+                    exportDialog.open()
+                }
+            }
+            MenuSeparator {}
             Action {
                 text: Tr.t("Save Version", "保存版本", "バージョンを保存")
                 shortcut: "Ctrl+Shift+S"
@@ -66,7 +83,56 @@ ApplicationWindow {
         id: windowState
     }
 
+    DocumentTransfer {
+        id: transfer
+
+        onProblemsChanged: {
+            if (problems.length > 0)
+                problemsSheet.open()
+        }
+    }
+
+    FileDialog {
+        id: openDialog
+
+        title: Tr.t("Open SQL Files", "打开 SQL 文件", "SQL ファイルを開く")
+        fileMode: FileDialog.OpenFiles
+        nameFilters: [Tr.t("SQL files", "SQL 文件", "SQL ファイル") + " (*.sql)", Tr.t("All files", "所有文件", "すべてのファイル") + " (*)"]
+        onAccepted: transfer.importFiles(selectedFiles)
+    }
+
+    FileDialog {
+        id: exportDialog
+
+        title: Tr.t("Export SQL Document", "导出 SQL 文档", "SQL ドキュメントを書き出す")
+        fileMode: FileDialog.SaveFile
+        defaultSuffix: "sql"
+        nameFilters: [Tr.t("SQL files", "SQL 文件", "SQL ファイル") + " (*.sql)"]
+        onAccepted: transfer.exportSelectedDocument(selectedFile)
+    }
+
+    TransferProblemsSheet {
+        id: problemsSheet
+
+        problems: transfer.problems
+        onClosed: transfer.clearProblems()
+    }
+
+    // Files dropped anywhere on the window become documents.
+    DropArea {
+        anchors.fill: parent
+        keys: ["text/uri-list"]
+        onDropped: drop => {
+            if (!drop.hasUrls)
+                return
+            transfer.importFiles(drop.urls)
+            drop.acceptProposedAction()
+        }
+    }
+
     ContentView {
+        id: content
+
         anchors.fill: parent
         rightPanel: windowState.rightPanel()
         onRightPanelChanged: windowState.setRightPanel(rightPanel)

@@ -52,7 +52,7 @@ ApplicationWindow {
             Action {
                 text: Tr.t("Quit", "退出", "終了")
                 shortcut: StandardKey.Quit
-                onTriggered: Qt.quit()
+                onTriggered: AppCommands.quit()
             }
         }
     }
@@ -61,18 +61,20 @@ ApplicationWindow {
 
     onClosing: close => {
         windowState.save(window)
-        if (window.isClosingWithAnimation)
+        // Quitting ends at once; only closing the window fades.
+        if (window.isClosingWithAnimation || AppCommands.isQuitting())
             return
         window.isClosingWithAnimation = true
         close.accepted = false
         closeFade.start()
     }
 
+    // The content fades, not the window, so that it works without a compositor too.
     NumberAnimation {
         id: closeFade
 
-        target: window
-        property: "opacity"
+        target: content
+        property: "windowOpacity"
         to: 0
         duration: 500
         easing.type: Easing.InQuad

@@ -3,6 +3,14 @@
 #include "datastore.h"
 #include "localizedtext.h"
 
+#include <QCoreApplication>
+
+namespace {
+
+bool quitting = false;
+
+} // namespace
+
 void AppCommands::newDocument()
 {
     DataStore *store = DataStore::shared();
@@ -18,4 +26,15 @@ void AppCommands::quickSave()
     if (id.isNull())
         return;
     store->saveVersion(id, localized(u"Quick save", u"快速保存", u"クイック保存"));
+}
+
+void AppCommands::quit()
+{
+    quitting = true;
+    QCoreApplication::quit();
+}
+
+bool AppCommands::isQuitting()
+{
+    return quitting;
 }

@@ -3,8 +3,8 @@
 #include <QObject>
 #include <QQmlEngine>
 
-// The two commands of the File menu. They work on the store alone; the editor follows the
-// store's selection and contents.
+// Commands of the application menu that work on the store alone (the editor follows the
+// store's selection and contents), and quitting.
 class AppCommands : public QObject
 {
     Q_OBJECT
@@ -19,4 +19,8 @@ public:
     // Takes a version of the selected document with the quick-save note; nothing if none is
     // selected.
     Q_INVOKABLE void quickSave();
+    // Ends the application now, without the close fade; the delegate saves as it ends.
+    Q_INVOKABLE static void quit();
+    // Quit was asked for (by the menu, or by a signal from outside).
+    Q_INVOKABLE [[nodiscard]] static bool isQuitting();
 };

@@ -1,5 +1,6 @@
 #include "appdelegate.h"
 
+#include "appcommands.h"
 #include "datastore.h"
 
 #include <QGuiApplication>
@@ -55,7 +56,7 @@ void AppDelegate::installSignalHandlers()
         char buffer[16];
         while (::read(signalPipe[0], buffer, sizeof buffer) > 0) {
         }
-        QCoreApplication::quit(); // aboutToQuit saves
+        AppCommands::quit(); // aboutToQuit saves
     });
     struct sigaction action
     {};

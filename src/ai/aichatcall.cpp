@@ -1,11 +1,13 @@
 #include "aichatcall.h"
 
+#include "chattransport.h"
 #include "chatwirecodec.h"
 
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -19,17 +21,22 @@ bool isTransportFailure(QNetworkReply::NetworkError error)
            (error < QNetworkReply::ContentAccessDenied || error == QNetworkReply::ProtocolFailure);
 }
 
+AIServiceError statusError(int status)
+{
+    return AIServiceError::apiError(u"HTTP "_s + QString::number(status));
+}
+
 } // namespace
 
 AIChatCall::AIChatCall(bool streaming, Finisher finisher, QObject *parent)
     : QObject(parent)
     , m_streaming(streaming)
     , m_finisher(std::move(finisher))
-    , m_parser([this](const QString &text) {
-        if (!m_stopped)
-            Q_EMIT chunkReceived(text);
-    })
-{}
+{
+    m_errorBodyWait.setSingleShot(true);
+    m_errorBodyWait.setInterval(5s);
+    connect(&m_errorBodyWait, &QTimer::timeout, this, [this] { judgeReply(m_status); });
+}
 
 AIChatCall::~AIChatCall()
 {
@@ -40,10 +47,16 @@ AIChatCall::~AIChatCall()
     }
 }
 
-void AIChatCall::start(QNetworkAccessManager *manager, const QNetworkRequest &request, const QByteArray &body)
+void AIChatCall::start(QNetworkAccessManager *manager, QNetworkRequest request, const QByteArray &body)
 {
-    m_reply = manager->post(request, body);
+    // Cancelled while the key was on its way.
+    if (m_stopped)
+        return;
+    ChatTransport::applyPolicy(request);
+    m_reply = ChatTransport::postOnce(manager, request, body);
     m_reply->setParent(this);
+    ChatTransport::boundReadBuffer(m_reply);
+    connect(m_reply, &QNetworkReply::metaDataChanged, this, &AIChatCall::onMetaDataChanged);
     connect(m_reply, &QNetworkReply::readyRead, this, &AIChatCall::onReadyRead);
     connect(m_reply, &QNetworkReply::finished, this, &AIChatCall::onFinished);
 }
@@ -62,21 +75,56 @@ void AIChatCall::failSoon(const AIServiceError &error)
         this, [this, error] { end(&error, {}); }, Qt::QueuedConnection);
 }
 
+void AIChatCall::onMetaDataChanged()
+{
+    if (m_stopped || m_status != 0)
+        return;
+    const QVariant status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
+    // A redirect is followed or refused by the network layer, and judged when the reply ends.
+    if (!status.isValid() || (status.toInt() >= 300 && status.toInt() < 400))
+        return;
+    judgeStatus(status.toInt());
+}
+
+bool AIChatCall::judgeStatus(int status)
+{
+    m_status = status;
+    if (status == 200)
+        return true;
+    // The status decides, at the headers, however long the server holds the body back. Only a
+    // one-shot call reads an error body, and only for a while.
+    if (m_streaming) {
+        fail(statusError(status));
+        return false;
+    }
+    m_errorBodyWait.start();
+    return true;
+}
+
+bool AIChatCall::appendBody()
+{
+    if (m_body.size() + m_reply->bytesAvailable() > maxBodyBytes) {
+        fail(AIServiceError::networkError(AIServiceError::Cause::ResponseTooLarge));
+        return false;
+    }
+    m_body += m_reply->readAll();
+    return true;
+}
+
 void AIChatCall::onReadyRead()
 {
     if (m_stopped)
         return;
+    if (m_status == 0)
+        onMetaDataChanged();
+    if (m_stopped || m_status == 0)
+        return;
     if (!m_streaming) {
-        if (m_body.size() + m_reply->bytesAvailable() > maxBodyBytes)
-            return fail(AIServiceError::networkError(AIServiceError::Cause::ResponseTooLarge));
-        m_body += m_reply->readAll();
+        appendBody();
         return;
     }
-    if (!m_statusAccepted && !acceptStatus())
-        return;
-    m_parser.feed(m_reply->readAll());
-    if (m_parser.state() != ChatStreamParser::State::Reading)
-        afterParsing();
+    m_parser.append(m_reply->readAll());
+    readStream();
 }
 
 void AIChatCall::onFinished()
@@ -84,47 +132,46 @@ void AIChatCall::onFinished()
     if (m_stopped)
         return;
     const QNetworkReply::NetworkError error = m_reply->error();
+    const QVariant status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
+    // An error answer judged at its headers: whatever became of its body.
+    if (m_status != 0 && m_status != 200) {
+        if (appendBody())
+            judgeReply(m_status);
+        return;
+    }
     // A cancelled call never gets here, so this is the transfer time-out.
     if (error == QNetworkReply::OperationCanceledError)
         return fail(AIServiceError::networkError(AIServiceError::Cause::TimedOut));
-    const QVariant status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
-    if (isTransportFailure(error))
+    if (error == QNetworkReply::ContentReSendError)
+        return fail(AIServiceError::networkError(AIServiceError::Cause::ClosedBeforeAnswer));
+    // With 200 any error means the reply was cut off, whatever the kind (a dropped compressed
+    // stream reports a content error, not a transport one).
+    if (isTransportFailure(error) || (status.toInt() == 200 && error != QNetworkReply::NoError))
         return fail(AIServiceError::networkError(AIServiceError::Cause::Transport, m_reply->errorString()));
     if (!status.isValid())
         return fail(AIServiceError::invalidResponse());
+    if (m_status == 0 && !judgeStatus(status.toInt()))
+        return;
     if (!m_streaming) {
-        onReadyRead();
-        if (!m_stopped)
+        if (appendBody())
             judgeReply(status.toInt());
         return;
     }
-    if (!m_statusAccepted && !acceptStatus())
-        return;
-    m_parser.feed(m_reply->readAll());
-    if (m_stopped)
-        return;
+    m_parser.append(m_reply->readAll());
     m_parser.finish();
-    afterParsing();
+    readStream();
 }
 
-bool AIChatCall::acceptStatus()
+void AIChatCall::readStream()
 {
-    const QVariant status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
-    if (!status.isValid()) {
-        fail(AIServiceError::invalidResponse());
-        return false;
+    QPointer<AIChatCall> self(this);
+    while (!m_stopped && m_parser.readPiece()) {
+        // A copy: a receiver that runs an event loop may see the text grow meanwhile.
+        const QString text = m_parser.text();
+        Q_EMIT chunkReceived(text);
+        if (!self)
+            return;
     }
-    // Exactly 200; the body of any other answer is left unread.
-    if (status.toInt() != 200) {
-        fail(AIServiceError::apiError(u"HTTP "_s + QString::number(status.toInt())));
-        return false;
-    }
-    m_statusAccepted = true;
-    return true;
-}
-
-void AIChatCall::afterParsing()
-{
     if (m_stopped)
         return;
     switch (m_parser.state()) {
@@ -143,12 +190,19 @@ void AIChatCall::afterParsing()
 
 void AIChatCall::judgeReply(int status)
 {
+    if (m_stopped)
+        return;
+    m_errorBodyWait.stop();
     QString fault;
     const std::optional<OpenAIChatResponse> response = ChatWire::decodeChatResponse(m_body, &fault);
     if (status != 200) {
         if (response && response->error && response->error->message)
             return fail(AIServiceError::apiError(*response->error->message));
-        return fail(AIServiceError::apiError(u"HTTP "_s + QString::number(status)));
+        if (m_lenientErrorBodies) {
+            if (const std::optional<QString> message = ChatWire::errorMessage(m_body))
+                return fail(AIServiceError::apiError(*message));
+        }
+        return fail(statusError(status));
     }
     if (!response)
         return fail(AIServiceError::networkError(AIServiceError::Cause::Decoding, fault));
@@ -164,7 +218,13 @@ void AIChatCall::succeed(const QString &replyText)
     if (m_stopped)
         return;
     stop();
-    end(nullptr, m_finisher ? m_finisher(replyText) : replyText);
+    if (!m_finisher)
+        return end(nullptr, replyText);
+    // The finisher records knowledge, and the service tells of it: a receiver may delete us.
+    QPointer<AIChatCall> self(this);
+    const QString result = m_finisher(replyText);
+    if (self)
+        end(nullptr, result);
 }
 
 void AIChatCall::fail(const AIServiceError &error)
@@ -178,6 +238,7 @@ void AIChatCall::fail(const AIServiceError &error)
 void AIChatCall::stop()
 {
     m_stopped = true;
+    m_errorBodyWait.stop();
     if (QNetworkReply *reply = m_reply.data()) {
         m_reply = nullptr;
         disconnect(reply, nullptr, this, nullptr);
@@ -192,10 +253,15 @@ void AIChatCall::end(const AIServiceError *error, const QString &result)
     if (m_ended)
         return;
     m_ended = true;
+    // Any receiver may delete the call.
+    QPointer<AIChatCall> self(this);
     if (error)
         Q_EMIT failed(*error);
     else
         Q_EMIT finished(result);
+    if (!self)
+        return;
     Q_EMIT isRunningChanged();
-    deleteLater();
+    if (self)
+        deleteLater();
 }

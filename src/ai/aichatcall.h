@@ -7,6 +7,7 @@
 #include <QByteArray>
 #include <QObject>
 #include <QPointer>
+#include <QTimer>
 
 #include <functional>
 
@@ -19,11 +20,13 @@ class QNetworkRequest;
 // Exactly one of `finished` and `failed` is emitted, always from the event loop, never from
 // inside the AIService method that made the call, so connecting right after that method returns
 // is in time. A streaming call emits `chunkReceived` with the whole text so far (markers
-// included) for each piece, before its final signal.
+// included) for each piece, before its final signal. A reply that is cut off, whatever its
+// status, fails: nothing of it is recorded.
 //
 // The service owns the call, and the call deletes itself (deleteLater) after its final signal:
-// hold it in a QPointer. From QML: `call.chunkReceived.connect(...)`, `call.finished.connect(...)`,
-// `call.cancel()`.
+// hold it in a QPointer. A receiver may also delete it from any of its signals, also from an
+// event loop that it runs there. From QML: `call.chunkReceived.connect(...)`,
+// `call.finished.connect(...)`, `call.cancel()`.
 class AIChatCall : public QObject
 {
     Q_OBJECT
@@ -64,13 +67,20 @@ private:
     using Finisher = std::function<QString(const QString &)>;
 
     AIChatCall(bool streaming, Finisher finisher, QObject *parent);
-    void start(QNetworkAccessManager *manager, const QNetworkRequest &request, const QByteArray &body);
+    // Error answers of the user's own server come in more shapes than the proxy's; see
+    // ChatWire::errorMessage().
+    void readErrorBodiesLeniently() { m_lenientErrorBodies = true; }
+    void start(QNetworkAccessManager *manager, QNetworkRequest request, const QByteArray &body);
     void failSoon(const AIServiceError &error);
 
+    void onMetaDataChanged();
     void onReadyRead();
     void onFinished();
-    bool acceptStatus();
-    void afterParsing();
+    // Takes the status of the answer; false when that ended the call.
+    bool judgeStatus(int status);
+    bool appendBody();
+    // Hands out the pieces read so far, then ends the call if the stream has ended.
+    void readStream();
     void judgeReply(int status);
     void succeed(const QString &replyText);
     void fail(const AIServiceError &error);
@@ -78,12 +88,16 @@ private:
     void end(const AIServiceError *error, const QString &result);
 
     bool m_streaming = false;
+    bool m_lenientErrorBodies = false;
     Finisher m_finisher;
     QPointer<QNetworkReply> m_reply;
     QByteArray m_body;
     ChatStreamParser m_parser;
     QList<KnowledgeChange> m_recordedKnowledge;
-    bool m_statusAccepted = false;
+    // The status of the answer once its headers are in; 0 before.
+    int m_status = 0;
+    // How long a one-shot call waits for the body of an error answer, for its message.
+    QTimer m_errorBodyWait;
     // Nothing more is read or reported, save the final signal.
     bool m_stopped = false;
     // The final signal has been emitted.

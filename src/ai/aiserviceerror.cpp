@@ -109,6 +109,11 @@ QString AIServiceError::underlyingDescription(AppLanguage language) const
     case Cause::LineTooLong:
         return pickText(language, u"A line of the response is longer than 1 MB.", u"响应中有一行超过 1 MB。",
                         u"応答の 1 行が 1 MB を超えています。");
+    case Cause::ClosedBeforeAnswer:
+        return pickText(language,
+                        u"The connection closed before the server answered; the request was not sent again.",
+                        u"服务器应答前连接已关闭；请求没有重新发送。",
+                        u"サーバーが応答する前に接続が閉じられました。要求は再送信されていません。");
     case Cause::Transport:
     case Cause::None:
         break;

@@ -43,6 +43,8 @@ public:
         Decoding,
         ResponseTooLarge,
         LineTooLong,
+        // The connection closed before any byte of the answer; the request was not repeated.
+        ClosedBeforeAnswer,
     };
     Q_ENUM(Cause)
 

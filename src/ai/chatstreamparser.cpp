@@ -4,59 +4,63 @@
 
 using namespace Qt::StringLiterals;
 
-ChatStreamParser::ChatStreamParser(TextHandler onText, qsizetype maxLineBytes, qsizetype maxTextBytes)
-    : m_onText(std::move(onText))
-    , m_lines(maxLineBytes)
+ChatStreamParser::ChatStreamParser(qsizetype maxLineBytes, qsizetype maxTextBytes)
+    : m_lines(maxLineBytes)
     , m_maxTextBytes(maxTextBytes)
 {}
 
-ChatStreamParser::State ChatStreamParser::feed(QByteArrayView bytes)
+void ChatStreamParser::append(QByteArrayView bytes)
 {
     if (m_state == State::Reading)
-        settle(m_lines.feed(bytes, [this](QByteArrayView line) { return handleLine(line); }));
-    return m_state;
+        m_lines.append(bytes);
 }
 
-ChatStreamParser::State ChatStreamParser::finish()
+void ChatStreamParser::finish()
 {
-    if (m_state == State::Reading) {
-        settle(m_lines.finish([this](QByteArrayView line) { return handleLine(line); }));
-        if (m_state == State::Reading)
-            m_state = State::Done;
+    m_finished = true;
+    m_lines.finish();
+}
+
+bool ChatStreamParser::readPiece()
+{
+    while (m_state == State::Reading) {
+        const std::optional<QByteArray> line = m_lines.nextLine();
+        if (!line) {
+            if (m_lines.lineTooLong())
+                m_state = State::LineTooLong;
+            else if (m_finished)
+                m_state = State::Done;
+            return false;
+        }
+        if (handleLine(*line))
+            return true;
     }
-    return m_state;
-}
-
-void ChatStreamParser::settle(bool goOn)
-{
-    if (goOn || m_state != State::Reading)
-        return;
-    m_state = m_lines.lineTooLong() ? State::LineTooLong : State::Done;
+    return false;
 }
 
 bool ChatStreamParser::handleLine(QByteArrayView line)
 {
     static constexpr QByteArrayView prefix("data: ");
     if (!line.startsWith(prefix))
-        return true;
+        return false;
     // Through text and back, so that bytes that are not UTF-8 reach the decoder as U+FFFD, as
     // they would from any reader of text lines.
     const QString payload = QString::fromUtf8(line.sliced(prefix.size()));
-    if (payload == "[DONE]"_L1)
+    if (payload == "[DONE]"_L1) {
+        m_state = State::Done;
         return false;
+    }
     const std::optional<OpenAIStreamResponse> chunk = ChatWire::decodeStreamResponse(payload.toUtf8());
     if (!chunk || !chunk->choices || chunk->choices->isEmpty())
-        return true;
+        return false;
     const std::optional<OpenAIChatDelta> &delta = chunk->choices->constFirst().delta;
     if (!delta || !delta->content)
-        return true;
+        return false;
     m_textBytes += delta->content->toUtf8().size();
     if (m_textBytes > m_maxTextBytes) {
         m_state = State::TextTooLarge;
         return false;
     }
     m_text += *delta->content;
-    if (m_onText)
-        m_onText(m_text);
     return true;
 }

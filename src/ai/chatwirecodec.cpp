@@ -238,6 +238,16 @@ QByteArray encode(const ProxyChatRequest &request)
     return QJsonDocument(body).toJson(QJsonDocument::Compact);
 }
 
+QByteArray encode(const OpenAIChatRequest &request)
+{
+    QJsonArray messages;
+    for (const OpenAIChatMessage &message : request.messages)
+        messages.append(messageObject(message));
+    const QJsonObject body{
+        {"model"_L1, request.model}, {"messages"_L1, messages}, {"stream"_L1, request.stream}};
+    return QJsonDocument(body).toJson(QJsonDocument::Compact);
+}
+
 QByteArray encode(const OpenAIChatResponse &response)
 {
     QJsonObject object = commonObject(response);
@@ -284,6 +294,54 @@ std::optional<OpenAIStreamResponse> decodeStreamResponse(const QByteArray &json,
     OpenAIStreamResponse response;
     const bool ok = reader.common(*body, response);
     return finish(ok, reader, std::move(response), error);
+}
+
+std::optional<QString> errorMessage(const QByteArray &json)
+{
+    const QJsonObject body = QJsonDocument::fromJson(json).object();
+    const QJsonValue error = body.value("error"_L1);
+    if (const QJsonValue message = error.toObject().value("message"_L1); message.isString())
+        return message.toString();
+    if (error.isString())
+        return error.toString();
+    if (const QJsonValue message = body.value("message"_L1); message.isString())
+        return message.toString();
+    const QJsonValue detail = body.value("detail"_L1);
+    if (detail.isString())
+        return detail.toString();
+    QStringList messages;
+    for (const QJsonValue &entry : detail.toArray()) {
+        if (const QJsonValue message = entry.toObject().value("msg"_L1); message.isString())
+            messages.append(message.toString());
+    }
+    if (!messages.isEmpty())
+        return messages.join("; "_L1);
+    return std::nullopt;
+}
+
+std::optional<QStringList> decodeModelList(const QByteArray &json, ModelListFault *fault)
+{
+    QJsonParseError parseError;
+    const QJsonDocument document = QJsonDocument::fromJson(json, &parseError);
+    if (parseError.error != QJsonParseError::NoError) {
+        if (fault)
+            *fault = ModelListFault::NotJson;
+        return std::nullopt;
+    }
+    const QJsonValue data = document.object().value("data"_L1);
+    if (!data.isArray()) {
+        if (fault)
+            *fault = ModelListFault::NotAList;
+        return std::nullopt;
+    }
+    QStringList ids;
+    const QJsonArray entries = data.toArray();
+    ids.reserve(entries.size());
+    for (const QJsonValue &entry : entries) {
+        if (const QJsonValue id = entry.toObject().value("id"_L1); id.isString() && !id.toString().isEmpty())
+            ids.append(id.toString());
+    }
+    return ids;
 }
 
 } // namespace ChatWire

@@ -25,6 +25,15 @@ struct ProxyChatRequest
     bool stream = false;
 };
 
+// The request body for an OpenAI-compatible server of the user's own: the same records, and the
+// model that is to answer.
+struct OpenAIChatRequest
+{
+    QString model;
+    QList<OpenAIChatMessage> messages;
+    bool stream = false;
+};
+
 // The piece of text a streamed chunk adds.
 struct OpenAIChatDelta
 {

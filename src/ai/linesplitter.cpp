@@ -1,73 +1,83 @@
 #include "linesplitter.h"
 
-#include <utility>
+namespace {
+
+// Read bytes are dropped from the front of the buffer once they are this many and more than half.
+constexpr qsizetype compactAfter = 64 * 1024;
+
+} // namespace
 
 LineSplitter::LineSplitter(qsizetype maxLineLength)
     : m_maxLineLength(maxLineLength)
 {}
 
-bool LineSplitter::tooLong(qsizetype length)
+void LineSplitter::append(QByteArrayView bytes)
 {
-    if (m_maxLineLength < 0 || length <= m_maxLineLength)
-        return false;
+    if (m_lineTooLong || m_finished || bytes.isEmpty())
+        return;
+    if (m_start == m_buffer.size()) {
+        m_buffer.clear();
+        m_start = m_scanned = 0;
+    } else if (m_start >= compactAfter && m_start * 2 > m_buffer.size()) {
+        m_buffer.remove(0, m_start);
+        m_scanned -= m_start;
+        m_start = 0;
+    }
+    m_buffer.append(bytes);
+}
+
+void LineSplitter::finish()
+{
+    m_finished = true;
+}
+
+void LineSplitter::stopTooLong()
+{
     m_lineTooLong = true;
-    m_stopped = true;
-    m_pending.clear();
-    return true;
+    m_buffer.clear();
+    m_start = m_scanned = 0;
 }
 
-bool LineSplitter::feed(QByteArrayView bytes, const LineHandler &onLine)
+std::optional<QByteArray> LineSplitter::nextLine()
 {
-    if (m_stopped)
-        return false;
-    const char *p = bytes.data();
-    const char *const end = p + bytes.size();
-    if (m_afterCR && p != end) {
+    if (m_lineTooLong)
+        return std::nullopt;
+    const qsizetype size = m_buffer.size();
+    if (m_afterCR && m_start < size) {
         m_afterCR = false;
-        if (*p == '\n')
-            ++p;
-    }
-    while (p != end) {
-        const char *q = p;
-        while (q != end && *q != '\n' && *q != '\r')
-            ++q;
-        if (q == end) {
-            if (tooLong(m_pending.size() + (end - p)))
-                return false;
-            m_pending.append(p, end - p);
-            return true;
-        }
-        QByteArrayView line(p, q - p);
-        if (!m_pending.isEmpty()) {
-            m_pending.append(p, q - p);
-            line = m_pending;
-        }
-        if (tooLong(line.size()))
-            return false;
-        const bool goOn = onLine(line);
-        m_pending.clear();
-        if (*q == '\r') {
-            if (q + 1 == end)
-                m_afterCR = true;
-            else if (q[1] == '\n')
-                ++q;
-        }
-        p = q + 1;
-        if (!goOn) {
-            m_stopped = true;
-            return false;
+        if (m_buffer.at(m_start) == '\n') {
+            ++m_start;
+            m_scanned = std::max(m_scanned, m_start);
         }
     }
-    return true;
-}
-
-bool LineSplitter::finish(const LineHandler &onLine)
-{
-    if (m_stopped)
-        return false;
-    m_stopped = true;
-    if (m_pending.isEmpty())
-        return true;
-    const QByteArray last = std::exchange(m_pending, {});
-    return onLine(last);
+    const char *const data = m_buffer.constData();
+    qsizetype end = std::max(m_scanned, m_start);
+    while (end < size && data[end] != '\n' && data[end] != '\r')
+        ++end;
+    if (end == size) {
+        m_scanned = end;
+        const qsizetype pending = size - m_start;
+        if (m_maxLineLength >= 0 && pending > m_maxLineLength) {
+            stopTooLong();
+            return std::nullopt;
+        }
+        if (!m_finished || pending == 0)
+            return std::nullopt;
+        QByteArray last = m_buffer.sliced(m_start);
+        m_start = m_scanned = size;
+        return last;
+    }
+    if (m_maxLineLength >= 0 && end - m_start > m_maxLineLength) {
+        stopTooLong();
+        return std::nullopt;
+    }
+    QByteArray line = m_buffer.sliced(m_start, end - m_start);
+    if (data[end] == '\r') {
+        if (end + 1 == size)
+            m_afterCR = true;
+        else if (data[end + 1] == '\n')
+            ++end;
+    }
+    m_start = m_scanned = end + 1;
+    return line;
 }

@@ -3,35 +3,39 @@
 #include <QByteArray>
 #include <QByteArrayView>
 
-#include <functional>
+#include <optional>
 
 // Cuts a byte stream into lines at LF, CR LF or a lone CR, wherever the reads happen to split
-// it, a CR LF pair included. Lines are handed over as bytes, so that a multi-byte UTF-8 character
+// it, a CR LF pair included. Lines are handed out as bytes, so that a multi-byte UTF-8 character
 // cut between two reads arrives whole. Line ends are never part of a line.
+//
+// The reader pulls one line at a time: nothing is called back, so whatever the reader does
+// between two lines (emit a signal whose receiver deletes the reader, run an event loop that
+// appends more bytes) cannot find the splitter in the middle of a loop.
 class LineSplitter
 {
 public:
-    // Gets each line; returns false to stop reading.
-    using LineHandler = std::function<bool(QByteArrayView line)>;
-
     // A line longer than `maxLineLength` bytes stops the reading for good.
     explicit LineSplitter(qsizetype maxLineLength = -1);
 
-    // Hands over every line that `bytes` completes. False once reading has stopped, because the
-    // handler asked for it or a line was too long.
-    bool feed(QByteArrayView bytes, const LineHandler &onLine);
-    // At the end of the stream: the last line, if it had no line end.
-    bool finish(const LineHandler &onLine);
+    void append(QByteArrayView bytes);
+    // The end of the stream: a last line without a line end becomes available.
+    void finish();
+    // The next complete line, or nothing until more bytes come (or ever, after a line too long).
+    [[nodiscard]] std::optional<QByteArray> nextLine();
 
     [[nodiscard]] bool lineTooLong() const { return m_lineTooLong; }
 
 private:
-    bool tooLong(qsizetype length);
+    void stopTooLong();
 
-    QByteArray m_pending;
+    QByteArray m_buffer;
+    // Where the unread bytes begin, and how far the search for a line end has come.
+    qsizetype m_start = 0;
+    qsizetype m_scanned = 0;
     qsizetype m_maxLineLength = -1;
-    // The previous read ended in CR: a LF at the start of the next belongs to it.
+    // The last line ended in CR at the end of the bytes so far: a LF that follows belongs to it.
     bool m_afterCR = false;
-    bool m_stopped = false;
+    bool m_finished = false;
     bool m_lineTooLong = false;
 };

@@ -2,7 +2,9 @@
 
 #include "appsettings.h"
 #include "localizedtext.h"
+#include "qttranslations.h"
 
+#include <QCoreApplication>
 #include <QLocale>
 #include <QSettings>
 
@@ -23,6 +25,13 @@ LanguageManager::LanguageManager(QSettings *settings, PreferredLanguages preferr
 LanguageManager *LanguageManager::shared()
 {
     static LanguageManager instance(applicationSettings());
+    // Qt's own texts follow the same choice, for as long as the application object lives.
+    static const bool qtFollows = [] {
+        if (QCoreApplication *application = QCoreApplication::instance())
+            new QtTranslations(&instance, application);
+        return true;
+    }();
+    Q_UNUSED(qtFollows)
     return &instance;
 }
 

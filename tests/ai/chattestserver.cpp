@@ -1,5 +1,8 @@
 #include "chattestserver.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QMessageAuthenticationCode>
 #include <QPointer>
 #include <QSslConfiguration>
@@ -18,6 +21,9 @@ ChatTestServer::ChatTestServer(QByteArray signingKey, const QSslCertificate &cer
         QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
         configuration.setLocalCertificate(certificate);
         configuration.setPrivateKey(key);
+        // Offers HTTP/2 first, so that a client that offers it too gets it.
+        configuration.setAllowedNextProtocols(
+            {QSslConfiguration::ALPNProtocolHTTP2, QSslConfiguration::NextProtocolHttp1_1});
         server->setSslConfiguration(configuration);
         m_server = std::move(server);
     } else {
@@ -73,20 +79,64 @@ void ChatTestServer::serve(QTcpSocket *socket)
         QMessageAuthenticationCode mac(QCryptographicHash::Sha256, m_signingKey);
         mac.addData(request.headers.value("x-timestamp") + request.body);
         request.signatureValid = mac.result().toHex() == request.headers.value("x-app-signature");
+        if (auto *tls = qobject_cast<QSslSocket *>(socket))
+            request.protocol = tls->sslConfiguration().nextNegotiatedProtocol();
         m_requests.append(request);
+        if (m_dropCount > 0) {
+            --m_dropCount;
+            socket->abort();
+            return;
+        }
         answer(socket, request);
     });
+}
+
+void ChatTestServer::speakOpenAI(const QByteArray &key, const QStringList &models)
+{
+    m_openAI = true;
+    m_bearerKey = key;
+    m_models = models;
+}
+
+std::optional<ChatTestServer::Reply> ChatTestServer::openAIRefusal(const Request &request) const
+{
+    const auto json = [](int status, const QByteArray &body) {
+        return Reply{status, {{body, 0}}, Ending::Complete, {}};
+    };
+    const QByteArray wanted = m_bearerKey.isEmpty() ? QByteArray() : "Bearer " + m_bearerKey;
+    if (request.headers.value("authorization") != wanted)
+        return json(
+            401,
+            R"({"error":{"message":"Incorrect API key provided","type":"invalid_request_error","code":401}})");
+    if (request.target.endsWith("/models") && request.target.startsWith("GET ")) {
+        QJsonArray data;
+        for (const QString &model : m_models)
+            data.append(QJsonObject{{u"id"_s, model}, {u"object"_s, u"model"_s}});
+        return json(200, QJsonDocument(QJsonObject{{u"object"_s, u"list"_s}, {u"data"_s, data}}).toJson());
+    }
+    if (!request.target.endsWith("/chat/completions") || !request.target.startsWith("POST "))
+        return json(404, R"({"detail":"Not Found"})");
+    const QString model = QJsonDocument::fromJson(request.body).object().value("model"_L1).toString();
+    if (!m_models.contains(model))
+        return json(404, R"({"error":"model ')" + model.toUtf8() + R"(' not found"})");
+    return std::nullopt;
 }
 
 void ChatTestServer::answer(QTcpSocket *socket, const Request &request)
 {
     Reply reply = m_reply;
-    if (!request.signatureValid)
+    if (m_openAI) {
+        if (std::optional<Reply> refusal = openAIRefusal(request))
+            reply = *refusal;
+    } else if (!request.signatureValid) {
         reply = {401, {{R"({"error":{"message":"bad signature"}})", 0}}, Ending::Complete, {}};
-    QByteArray head = "HTTP/1.1 " + QByteArray::number(reply.status) + " Status\r\nConnection: close\r\n";
+    }
+    QByteArray head = "HTTP/1.1 " + QByteArray::number(reply.status) + " Status\r\n";
+    if (!m_keepAlive)
+        head += "Connection: close\r\n";
     if (!reply.location.isEmpty())
         head += "Location: " + reply.location + "\r\n";
-    socket->write(head + "Transfer-Encoding: chunked\r\n\r\n");
+    socket->write(head + m_extraHeaders + "Transfer-Encoding: chunked\r\n\r\n");
 
     // Each piece is one chunk of the chunked body, written after its pause.
     writePiece(socket, reply, 0);
@@ -114,6 +164,7 @@ void ChatTestServer::writePiece(const QPointer<QTcpSocket> &socket, const Reply 
             return;
         }
         socket->write("0\r\n\r\n");
-        socket->disconnectFromHost();
+        if (!m_keepAlive)
+            socket->disconnectFromHost();
     });
 }

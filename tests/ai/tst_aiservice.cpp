@@ -1,130 +1,17 @@
 #include "aiprompts.h"
-#include "aiservice.h"
-#include "chattestserver.h"
 #include "clock.h"
-#include "datastore.h"
-#include "languagemanager.h"
-
-#include <QFile>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QProcess>
-#include <QSettings>
-#include <QSignalSpy>
-#include <QSslSocket>
-#include <QStandardPaths>
-#include <QTemporaryDir>
-#include <QTest>
+#include "servicefixture.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 using Ending = ChatTestServer::Ending;
-
-namespace {
-
-// PEM text; the TLS objects are made only once the application object exists.
-QByteArray certificatePem;
-QByteArray privateKeyPem;
-
-QByteArray delta(const QByteArray &content)
-{
-    return R"(data: {"choices":[{"delta":{"content":")" + content + R"("}}]})";
-}
-
-QByteArray messageBody(const QString &content)
-{
-    const QJsonObject message{{"role"_L1, u"assistant"_s}, {"content"_L1, content}};
-    return QJsonDocument(QJsonObject{{"choices"_L1, QJsonArray{QJsonObject{{"message"_L1, message}}}}})
-        .toJson();
-}
-
-// A service on temporary files, speaking to its own server.
-struct Fixture
-{
-    explicit Fixture(bool tls = false, bool trusted = true)
-        : server(AIServiceConfig().signingKey, tls ? QSslCertificate(certificatePem) : QSslCertificate(),
-                 QSslKey(privateKeyPem, QSsl::Rsa))
-        , service(&store, &language, config(tls && trusted))
-    {}
-    AIServiceConfig config(bool trust) const
-    {
-        AIServiceConfig config;
-        config.proxyBaseURL = server.baseUrl();
-        config.proxyChatURL = server.baseUrl() + "/api/chat"_L1;
-        config.transferTimeout = 1s;
-        if (trust)
-            config.extraCaCertificates = {QSslCertificate(certificatePem)};
-        return config;
-    }
-
-    QTemporaryDir dir;
-    QSettings settings{dir.filePath(u"settings.ini"_s), QSettings::IniFormat};
-    DataStore store{dir.filePath(u"data"_s), &settings};
-    QStringList desktopLanguages{u"en-US"_s};
-    LanguageManager language{&settings, [this] { return desktopLanguages; }};
-    ChatTestServer server;
-    AIService service;
-
-    [[nodiscard]] QStringList items() const
-    {
-        QStringList list;
-        for (const KnowledgeItem &item : store.knowledgeItems())
-            list.append(KnowledgeEnums::rawValue(item.category) + u':' + item.content);
-        return list;
-    }
-};
-
-struct Outcome
-{
-    QStringList chunks;
-    // "ok:" and the result, or the English description of the error.
-    QString text;
-    AIServiceError error;
-};
-
-Outcome await(AIChatCall *call)
-{
-    Outcome outcome;
-    QObject::connect(call, &AIChatCall::chunkReceived,
-                     [&](const QString &text) { outcome.chunks.append(text); });
-    QObject::connect(call, &AIChatCall::finished,
-                     [&](const QString &result) { outcome.text = "ok:"_L1 + result; });
-    QObject::connect(call, &AIChatCall::failed, [&](const AIServiceError &error) {
-        outcome.text = error.description(AppLanguage::En);
-        outcome.error = error;
-    });
-    QSignalSpy ended(call, &AIChatCall::isRunningChanged);
-    [&] { QVERIFY(ended.wait(10000)); }();
-    return outcome;
-}
-
-} // namespace
 
 class TestAIService : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        // A certificate for 127.0.0.1 that only the services given it as an authority trust.
-        const QString openssl = QStandardPaths::findExecutable(u"openssl"_s);
-        if (openssl.isEmpty() || !QSslSocket::supportsSsl())
-            return;
-        QTemporaryDir dir;
-        QProcess process;
-        process.start(openssl,
-                      {u"req"_s, u"-x509"_s, u"-newkey"_s, u"rsa:2048"_s, u"-nodes"_s, u"-days"_s, u"1"_s,
-                       u"-subj"_s, u"/CN=127.0.0.1"_s, u"-addext"_s, u"subjectAltName=IP:127.0.0.1"_s,
-                       u"-keyout"_s, dir.filePath(u"key.pem"_s), u"-out"_s, dir.filePath(u"cert.pem"_s)});
-        QVERIFY(process.waitForFinished(60000));
-        QFile cert(dir.filePath(u"cert.pem"_s));
-        QFile key(dir.filePath(u"key.pem"_s));
-        QVERIFY(cert.open(QIODevice::ReadOnly) && key.open(QIODevice::ReadOnly));
-        certificatePem = cert.readAll();
-        privateKeyPem = key.readAll();
-    }
+    void initTestCase() { QVERIFY(makeTestCertificate()); }
 
     void signedRequestOverTls()
     {
@@ -287,8 +174,10 @@ private Q_SLOTS:
     void callCarriesTheFactsItsReplyRecorded()
     {
         Fixture f;
-        f.server.setReply({200, {{delta("Use LIMIT.\\n\\n[KNOWLEDGE:数据库版本:MySQL 5.7]") + "\n", 10}},
-                           Ending::Complete, {}});
+        f.server.setReply({200,
+                           {{delta("Use LIMIT.\\n\\n[KNOWLEDGE:数据库版本:MySQL 5.7]") + "\n", 10}},
+                           Ending::Complete,
+                           {}});
         AIChatCall *call = f.service.sendMessageStreaming(u"q"_s, {}, AIAssistantMode::FreeChat, {});
         QList<KnowledgeChange> recorded;
         connect(call, &AIChatCall::finished, this, [&] { recorded = call->recordedKnowledge(); });

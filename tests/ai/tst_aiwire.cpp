@@ -41,14 +41,18 @@ QStringList splitLines(const QList<QByteArray> &chunks, bool flush)
 {
     LineSplitter splitter;
     QStringList lines;
-    const auto collect = [&lines](QByteArrayView line) {
-        lines.append(QString::fromUtf8(line));
-        return true;
+    const auto collect = [&] {
+        while (const std::optional<QByteArray> line = splitter.nextLine())
+            lines.append(QString::fromUtf8(*line));
     };
-    for (const QByteArray &chunk : chunks)
-        splitter.feed(chunk, collect);
-    if (flush)
-        splitter.finish(collect);
+    for (const QByteArray &chunk : chunks) {
+        splitter.append(chunk);
+        collect();
+    }
+    if (flush) {
+        splitter.finish();
+        collect();
+    }
     return lines;
 }
 
@@ -57,10 +61,18 @@ std::pair<State, QStringList> parse(const QByteArray &stream, qsizetype size, qs
                                     qsizetype maxText = 8 << 20)
 {
     QStringList texts;
-    ChatStreamParser parser([&texts](const QString &text) { texts.append(text); }, maxLine, maxText);
-    for (qsizetype at = 0; at < stream.size(); at += size)
-        parser.feed(QByteArrayView(stream).sliced(at, std::min(size, stream.size() - at)));
-    return {parser.finish(), texts};
+    ChatStreamParser parser(maxLine, maxText);
+    const auto collect = [&] {
+        while (parser.readPiece())
+            texts.append(parser.text());
+    };
+    for (qsizetype at = 0; at < stream.size(); at += size) {
+        parser.append(QByteArrayView(stream).sliced(at, std::min(size, stream.size() - at)));
+        collect();
+    }
+    parser.finish();
+    collect();
+    return {parser.state(), texts};
 }
 
 } // namespace

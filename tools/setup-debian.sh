@@ -11,6 +11,7 @@ packages=(
     qt6-svg-dev libqt6svg6 libicu-dev libmd4c-dev libgl-dev libvulkan-dev fonts-noto-cjk fonts-noto-color-emoji
     xvfb xauth
     desktop-file-utils appstream dpkg-dev lintian
+    qtkeychain-qt6-dev libsecret-1-0 qt6-translations-l10n dbus-daemon gnome-keyring
 )
 sudo=""
 if [ "$(id -u)" -ne 0 ]; then sudo="sudo"; fi

@@ -142,7 +142,9 @@ void AIChatCall::onFinished()
     // A cancelled call never gets here, so this is the transfer time-out.
     if (error == QNetworkReply::OperationCanceledError)
         return fail(AIServiceError::networkError(AIServiceError::Cause::TimedOut));
-    if (error == QNetworkReply::ContentReSendError)
+    // The request would have had to go out again: the connection closed before any answer. (An
+    // answer of 307 or 308 asks for the same, and is judged by its status below.)
+    if (error == QNetworkReply::ContentReSendError && !status.isValid())
         return fail(AIServiceError::networkError(AIServiceError::Cause::ClosedBeforeAnswer));
     // With 200 any error means the reply was cut off, whatever the kind (a dropped compressed
     // stream reports a content error, not a transport one).

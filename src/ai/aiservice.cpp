@@ -8,6 +8,7 @@
 #include "languagemanager.h"
 #include "localizedtext.h"
 #include "requestsigning.h"
+#include "serveraddress.h"
 
 #include <QCoreApplication>
 #include <QNetworkAccessManager>
@@ -42,7 +43,9 @@ AIService::AIService(DataStore *store, LanguageManager *language, AIServiceConfi
     , m_config(std::move(config))
     , m_networkAccessManager(m_config.networkAccessManager ? m_config.networkAccessManager
                                                            : new QNetworkAccessManager(this))
-{}
+{
+    m_isConfigured = isConfigured();
+}
 
 namespace {
 
@@ -53,7 +56,9 @@ AIService *sharedService = nullptr;
 AIService *AIService::shared()
 {
     if (!sharedService) {
-        sharedService = new AIService(DataStore::shared(), LanguageManager::shared(), AIServiceConfig::fromBuild());
+        sharedService =
+            new AIService(DataStore::shared(), LanguageManager::shared(), AIServiceConfig::fromBuild());
+        sharedService->setConnectionSettings(AIConnectionSettings::shared());
         // Its network manager must go before the application object does.
         if (QCoreApplication *application = QCoreApplication::instance())
             sharedService->setParent(application);
@@ -66,14 +71,57 @@ void AIService::setShared(AIService *service)
     sharedService = service;
 }
 
-bool AIService::isConfigured() const
+bool AIService::hasProxy() const
 {
     return !m_config.proxyBaseURL.isEmpty() && m_config.proxyBaseURL.startsWith("http"_L1);
+}
+
+bool AIService::usesOwnServer() const
+{
+    return m_connection &&
+           (!hasProxy() || m_connection->kind() == AIConnectionSettings::Kind::OpenAICompatible);
+}
+
+bool AIService::isConfigured() const
+{
+    return usesOwnServer() ? m_connection->isServerComplete() : hasProxy();
+}
+
+void AIService::setConnectionSettings(AIConnectionSettings *settings)
+{
+    if (m_connection)
+        disconnect(m_connection, nullptr, this, nullptr);
+    m_connection = settings;
+    if (settings)
+        connect(settings, &AIConnectionSettings::connectionChanged, this, &AIService::updateIsConfigured);
+    updateIsConfigured();
+}
+
+void AIService::updateIsConfigured()
+{
+    const bool configured = isConfigured();
+    if (configured == m_isConfigured)
+        return;
+    m_isConfigured = configured;
+    Q_EMIT isConfiguredChanged();
 }
 
 QString AIService::signBody(const QString &timestamp, const QString &bodyText) const
 {
     return RequestSigning::sign(m_config.signingKey, timestamp, bodyText);
+}
+
+QNetworkRequest AIService::baseRequest(const QUrl &url) const
+{
+    QNetworkRequest request(url);
+    request.setRawHeader("Content-Type", "application/json");
+    request.setTransferTimeout(int(m_config.transferTimeout.count()));
+    if (!m_config.extraCaCertificates.isEmpty()) {
+        QSslConfiguration tls = QSslConfiguration::defaultConfiguration();
+        tls.setCaCertificates(QSslConfiguration::systemCaCertificates() + m_config.extraCaCertificates);
+        request.setSslConfiguration(tls);
+    }
+    return request;
 }
 
 QNetworkRequest AIService::buildChatRequest(const QUrl &url, const QByteArray &body) const
@@ -86,19 +134,37 @@ QNetworkRequest AIService::buildChatRequest(const QUrl &url, const QByteArray &b
     if (decoder.hasError())
         bodyText.clear();
 
-    QNetworkRequest request(url);
-    request.setRawHeader("Content-Type", "application/json");
+    QNetworkRequest request = baseRequest(url);
     request.setRawHeader("X-Timestamp", timestamp.toLatin1());
     request.setRawHeader("X-App-Signature", signBody(timestamp, bodyText).toLatin1());
-    request.setTransferTimeout(int(m_config.transferTimeout.count()));
     // The signed headers must not travel to a host the build did not name.
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::SameOriginRedirectPolicy);
-    if (!m_config.extraCaCertificates.isEmpty()) {
-        QSslConfiguration tls = QSslConfiguration::defaultConfiguration();
-        tls.setCaCertificates(QSslConfiguration::systemCaCertificates() + m_config.extraCaCertificates);
-        request.setSslConfiguration(tls);
-    }
     return request;
+}
+
+QNetworkRequest AIService::serverRequest(const QUrl &url) const
+{
+    QNetworkRequest request = baseRequest(url);
+    if (const QString key = m_connection->apiKey(); !key.isEmpty())
+        request.setRawHeader("Authorization", "Bearer " + key.toUtf8());
+    // The key and the conversation go only where the user said; a redirect ends as its status.
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
+    return request;
+}
+
+void AIService::whenApiKeyReady(QObject *context, std::function<void()> run)
+{
+    if (m_connection->isApiKeyReady())
+        return run();
+    auto connection = std::make_shared<QMetaObject::Connection>();
+    *connection = connect(m_connection, &AIConnectionSettings::apiKeyStateChanged, context,
+                          [settings = m_connection, connection, run = std::move(run)] {
+                              if (!settings->isApiKeyReady())
+                                  return;
+                              QObject::disconnect(*connection);
+                              run();
+                          });
+    m_connection->ensureApiKeyLoaded();
 }
 
 AppLanguage AIService::language() const
@@ -152,7 +218,9 @@ AIChatCall *AIService::startCall(bool streaming, const QString &message,
         call->failSoon(AIServiceError::invalidConfiguration());
         return call;
     }
-    const QUrl url(m_config.proxyChatURL, QUrl::StrictMode);
+    const bool ownServer = usesOwnServer();
+    const QUrl url = ownServer ? ServerAddress::endpoint(m_connection->serverBase(), u"chat/completions")
+                               : QUrl(m_config.proxyChatURL, QUrl::StrictMode);
     if (!url.isValid() || url.isRelative() || url.host().isEmpty()) {
         call->failSoon(AIServiceError::invalidURL());
         return call;
@@ -172,11 +240,35 @@ AIChatCall *AIService::startCall(bool streaming, const QString &message,
         call->failSoon(AIServiceError::invalidResponse());
         return call;
     }
-    // Serialised once: these bytes are signed and these bytes are sent.
+    const QList<OpenAIChatMessage> messages = assembleMessages(message, currentSQL, mode, history);
+    if (!ownServer) {
+        // Serialised once: these bytes are signed and these bytes are sent.
+        const QByteArray body = ChatWire::encode(ProxyChatRequest{messages, streaming});
+        call->start(m_networkAccessManager, buildChatRequest(url, body), body);
+        return call;
+    }
+    call->readErrorBodiesLeniently();
     const QByteArray body =
-        ChatWire::encode(ProxyChatRequest{assembleMessages(message, currentSQL, mode, history), streaming});
-    call->start(m_networkAccessManager, buildChatRequest(url, body), body);
+        ChatWire::encode(OpenAIChatRequest{m_connection->serverModel(), messages, streaming});
+    whenApiKeyReady(
+        call, [this, call, url, body] { call->start(m_networkAccessManager, serverRequest(url), body); });
     return call;
+}
+
+AIModelListRequest *AIService::listModels()
+{
+    auto *request = new AIModelListRequest(language(), this);
+    if (!m_connection || !m_connection->serverBase().isValid()) {
+        request->failSoon(ServerAddress::problemText(ServerAddress::Problem::Empty, {}, language()));
+        return request;
+    }
+    const QUrl url = ServerAddress::endpoint(m_connection->serverBase(), u"models");
+    whenApiKeyReady(request, [this, request, url] {
+        QNetworkRequest get = serverRequest(url);
+        get.setRawHeader("Content-Type", QByteArray());
+        request->start(m_networkAccessManager, get);
+    });
+    return request;
 }
 
 AIConnectionTest *AIService::testConnection()

@@ -1,9 +1,11 @@
 #pragma once
 
 #include "aichatcall.h"
+#include "aiconnectionsettings.h"
 #include "aiconnectiontest.h"
 #include "aienums.h"
 #include "aimessage.h"
+#include "aimodellistrequest.h"
 #include "aiserviceconfig.h"
 #include "chatwirerecords.h"
 #include "knowledgechange.h"
@@ -11,8 +13,10 @@
 
 #include <QNetworkRequest>
 #include <QObject>
+#include <QPointer>
 #include <QUrl>
 
+#include <functional>
 #include <optional>
 
 class DataStore;
@@ -23,6 +27,10 @@ class QNetworkAccessManager;
 // signs and posts it to the chat proxy, reads the reply whole or as a stream, and hands the facts
 // the reply marks to the knowledge store.
 //
+// Where the user chose an OpenAI-compatible server of their own (AIConnectionSettings), or the
+// build has no proxy, the same records go to `<base>/chat/completions` with the model and, when
+// a key is set, `Authorization: Bearer <key>`, unsigned. The choice is read at every request.
+//
 // Calls are asynchronous. `sendMessage`, `sendMessageStreaming` and `testConnection` return at
 // once with a handle (AIChatCall, AIConnectionTest) whose signals report the outcome; see there.
 // Nothing is retried. Every call runs on the thread of the service, the main thread.
@@ -31,8 +39,9 @@ class QNetworkAccessManager;
 // it, and the first to end clears it. `currentStreamText` holds the raw text of the latest stream,
 // markers included; it is emptied when the next stream starts. Both notify only on real changes.
 //
-// TLS is always verified, redirects are followed only within the same origin, and a reply body
-// or streamed text above 8 MB, or a streamed line above 1 MB, ends the call with an error.
+// TLS is always verified; redirects are followed only within the proxy's origin, and never for
+// the user's own server; a request is posted at most once; a reply body or streamed text above
+// 8 MB, or a streamed line above 1 MB, ends the call with an error.
 class AIService : public QObject
 {
     Q_OBJECT
@@ -57,7 +66,16 @@ public:
     [[nodiscard]] QString proxyBaseURL() const { return m_config.proxyBaseURL; }
     [[nodiscard]] QString proxyChatURL() const { return m_config.proxyChatURL; }
     // A proxy is named: the base address is not empty and begins with "http".
+    [[nodiscard]] bool hasProxy() const;
+    // The connection in use is complete: the proxy is named, or the own server has an address
+    // and a model.
     [[nodiscard]] bool isConfigured() const;
+
+    // The user's choice of connection; without one the proxy serves. Must outlive the service.
+    void setConnectionSettings(AIConnectionSettings *settings);
+    [[nodiscard]] AIConnectionSettings *connectionSettings() const { return m_connection; }
+    // Requests go to the user's own server: chosen, or the build has no proxy.
+    [[nodiscard]] bool usesOwnServer() const;
 
     // The request signature: lower-case hex HMAC-SHA256 of `timestamp` followed by `bodyText`.
     [[nodiscard]] QString signBody(const QString &timestamp, const QString &bodyText) const;
@@ -79,8 +97,10 @@ public:
     // The reply as it is written: `chunkReceived` carries the whole text so far.
     AIChatCall *sendMessageStreaming(const QString &message, const std::optional<QString> &currentSQL,
                                      AIAssistantMode mode, const QList<AIMessage> &history);
-    // A one-line exchange with the proxy, for the settings window.
+    // A one-line exchange over the connection in use, for the settings window.
     Q_INVOKABLE AIConnectionTest *testConnection();
+    // The models the user's own server offers, for the settings window.
+    AIModelListRequest *listModels();
 
     // Records the facts `text` marks in the store (when auto-recording is on), reports them by
     // `knowledgeRecorded`, and gives the text without the marks, trimmed.
@@ -95,6 +115,13 @@ Q_SIGNALS:
     void knowledgeRecorded(const QList<KnowledgeChange> &changes);
 
 private:
+    // What every request carries: the transfer time-out, the trusted authorities.
+    [[nodiscard]] QNetworkRequest baseRequest(const QUrl &url) const;
+    // A request to the own server: the key as a Bearer token, no redirect followed.
+    [[nodiscard]] QNetworkRequest serverRequest(const QUrl &url) const;
+    // Runs `run` once the own server's key is known, at once if it is; never after `context` is gone.
+    void whenApiKeyReady(QObject *context, std::function<void()> run);
+    void updateIsConfigured();
     AIChatCall *startCall(bool streaming, const QString &message, const std::optional<QString> &currentSQL,
                           AIAssistantMode mode, const QList<AIMessage> &history);
     [[nodiscard]] AppLanguage language() const;
@@ -106,6 +133,8 @@ private:
     LanguageManager *m_language = nullptr;
     AIServiceConfig m_config;
     QNetworkAccessManager *m_networkAccessManager = nullptr;
+    QPointer<AIConnectionSettings> m_connection;
+    bool m_isConfigured = false;
     bool m_isLoading = false;
     QString m_currentStreamText;
 };

@@ -125,7 +125,9 @@ std::optional<ChatTestServer::Reply> ChatTestServer::openAIRefusal(const Request
 void ChatTestServer::answer(QTcpSocket *socket, const Request &request)
 {
     Reply reply = m_reply;
-    if (m_openAI) {
+    if (m_answersAnything) {
+        // As scripted.
+    } else if (m_openAI) {
         if (std::optional<Reply> refusal = openAIRefusal(request))
             reply = *refusal;
     } else if (!request.signatureValid) {

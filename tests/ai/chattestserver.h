@@ -68,6 +68,8 @@ public:
     void dropUnanswered(int count) { m_dropCount = count; }
     // `key` empty: no key is wanted.
     void speakOpenAI(const QByteArray &key, const QStringList &models);
+    // Sends the scripted reply to every request, checking nothing.
+    void answerAnything() { m_answersAnything = true; }
     [[nodiscard]] const QList<Request> &requests() const { return m_requests; }
 
     [[nodiscard]] static QList<Piece> split(const QByteArray &body, qsizetype size);
@@ -87,6 +89,7 @@ private:
     bool m_keepAlive = false;
     int m_dropCount = 0;
     bool m_openAI = false;
+    bool m_answersAnything = false;
     QByteArray m_bearerKey;
     QStringList m_models;
 };

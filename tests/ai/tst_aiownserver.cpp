@@ -77,8 +77,10 @@ private Q_SLOTS:
 
         own.f.server.setReply({200, {{messageBody(u"Hello"_s), 0}}, Ending::Complete, {}});
         QCOMPARE(own.ask(), u"ok:Hello"_s);
-        own.f.server.setReply({200, {{delta("Hel") + "\n", 20}, {delta("lo") + "\n\ndata: [DONE]\n", 20}},
-                               Ending::Complete, {}});
+        own.f.server.setReply({200,
+                               {{delta("Hel") + "\n", 20}, {delta("lo") + "\n\ndata: [DONE]\n", 20}},
+                               Ending::Complete,
+                               {}});
         QCOMPARE(own.ask(true), u"ok:Hello"_s);
 
         const QList<ChatTestServer::Request> requests = own.f.server.requests();
@@ -114,7 +116,8 @@ private Q_SLOTS:
 
         // The key and the conversation go nowhere the user did not name.
         ChatTestServer elsewhere(AIServiceConfig().signingKey);
-        own.f.server.setReply({307, {}, Ending::Complete, elsewhere.baseUrl().toUtf8() + "/v1/chat/completions"});
+        own.f.server.setReply(
+            {307, {}, Ending::Complete, elsewhere.baseUrl().toUtf8() + "/v1/chat/completions"});
         QCOMPARE(own.ask(), u"API error: HTTP 307"_s);
         QCOMPARE(own.ask(true), u"API error: HTTP 307"_s);
         QVERIFY(elsewhere.requests().isEmpty());
@@ -182,7 +185,8 @@ private Q_SLOTS:
         QTest::addColumn<bool>("unencryptedRemote");
         using P = ServerAddress::Problem;
         const auto row = [](const char *typed, P problem, const char *stored = "", bool remote = false) {
-            QTest::newRow(typed) << QString::fromUtf8(typed) << problem << QString::fromUtf8(stored) << remote;
+            QTest::newRow(typed) << QString::fromUtf8(typed) << problem << QString::fromUtf8(stored)
+                                 << remote;
         };
         row(" http://localhost:11434/v1// ", P::None, "http://localhost:11434/v1");
         row("HTTPS://api.example.com/v1", P::None, "https://api.example.com/v1");
@@ -212,7 +216,8 @@ private Q_SLOTS:
         QCOMPARE(f.settings.value(AIConnectionSettings::serverBaseURLKey).toString(),
                  stored.isEmpty() ? u"http://localhost:1/v1"_s : stored);
         QCOMPARE(connection.isUnencryptedRemote(), unencryptedRemote);
-        QVERIFY(ServerAddress::problemText(problem, typed, AppLanguage::Ja).isEmpty() == (problem == ServerAddress::Problem::None));
+        QVERIFY(ServerAddress::problemText(problem, typed, AppLanguage::Ja).isEmpty() ==
+                (problem == ServerAddress::Problem::None));
     }
 
     // What a model list can be: empty, long, or no model list at all.
@@ -230,10 +235,12 @@ private Q_SLOTS:
         QTest::newRow("web page") << 200 << QByteArray("<!doctype html><title>Router</title>")
                                   << u"failed: The server did not answer with JSON."_s + hint;
         QTest::newRow("other JSON") << 200 << QByteArray(R"({"status":"ok"})")
-                                    << u"failed: The server answered, but not with a list of models."_s + hint;
+                                    << u"failed: The server answered, but not with a list of models."_s +
+                                           hint;
         QTest::newRow("404 detail") << 404 << QByteArray(R"({"detail":"Not Found"})")
                                     << u"failed: API error: Not Found"_s + hint;
-        QTest::newRow("404 page") << 404 << QByteArray("404 page not found") << u"failed: API error: HTTP 404"_s + hint;
+        QTest::newRow("404 page") << 404 << QByteArray("404 page not found")
+                                  << u"failed: API error: HTTP 404"_s + hint;
         QTest::newRow("422 details") << 422 << QByteArray(R"({"detail":[{"msg":"a"},{"msg":"b"}]})")
                                      << u"failed: API error: a; b"_s;
     }

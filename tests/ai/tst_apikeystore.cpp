@@ -48,7 +48,8 @@ private Q_SLOTS:
         QCOMPARE(wait([&](auto done) { keys.write(account, u"sk-two"_s, done); }).outcome, Outcome::Done);
         QCOMPARE(wait([&](auto done) { keys.read(account, done); }).key, u"sk-two"_s);
         // Another server's key is another entry.
-        QCOMPARE(wait([&](auto done) { keys.read(u"https://api.example.com"_s, done); }).outcome, Outcome::NotFound);
+        QCOMPARE(wait([&](auto done) { keys.read(u"https://api.example.com"_s, done); }).outcome,
+                 Outcome::NotFound);
         QCOMPARE(wait([&](auto done) { keys.remove(account, done); }).outcome, Outcome::Done);
         QCOMPARE(wait([&](auto done) { keys.read(account, done); }).outcome, Outcome::NotFound);
         QCOMPARE(wait([&](auto done) { keys.remove(account, done); }).outcome, Outcome::Done);

@@ -1,4 +1,5 @@
 #include "aimessage.h"
+#include "aiprompts.h"
 #include "aiserviceerror.h"
 #include "chatstreamparser.h"
 #include "chatwirecodec.h"
@@ -253,6 +254,27 @@ private Q_SLOTS:
         QFETCH(QByteArray, stream);
         QFETCH(QStringList, texts);
         QCOMPARE(parse(stream, 3).second, texts);
+    }
+
+    // Every prompt text, character for character, against the fixture (one file per text).
+    void promptTexts()
+    {
+        const QString dir = QStringLiteral(VARNHOLT_TEST_DATA "/prompts/");
+        int compared = 0;
+        for (const AppLanguage language : {AppLanguage::En, AppLanguage::ZhHans, AppLanguage::Ja}) {
+            const QString suffix = u'.' + AppLanguages::rawValue(language) + u".txt"_s;
+            const auto expect = [&](const QString &text, const QString &name) {
+                const QString fixture = QString::fromUtf8(readFile(dir + name + suffix));
+                QVERIFY2(!fixture.isEmpty(), qPrintable(name + suffix));
+                QCOMPARE(text, fixture);
+                ++compared;
+            };
+            for (const AIAssistantMode mode : AIEnums::allModes)
+                expect(AIPrompts::basePrompt(mode, language), AIEnums::rawValue(mode));
+            expect(AIPrompts::markerInstruction(language), u"marker-instruction"_s);
+            expect(AIPrompts::knowledgeHeader(language), u"knowledge-header"_s);
+        }
+        QCOMPARE(compared, 18);
     }
 
     void bounds()

@@ -18,7 +18,9 @@ QtTranslations::QtTranslations(LanguageManager *language, QObject *parent)
 
 QtTranslations::~QtTranslations()
 {
-    QCoreApplication::removeTranslator(&m_translator);
+    // Gone with the application object, which has then dropped its translators itself.
+    if (QCoreApplication::instance())
+        QCoreApplication::removeTranslator(&m_translator);
 }
 
 void QtTranslations::update()

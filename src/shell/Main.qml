@@ -50,6 +50,12 @@ ApplicationWindow {
             }
             MenuSeparator {}
             Action {
+                text: Tr.t("Settings…", "设置…", "設定…")
+                shortcut: "Ctrl+,"
+                onTriggered: window.showSettings()
+            }
+            MenuSeparator {}
+            Action {
                 text: Tr.t("Quit", "退出", "終了")
                 shortcut: StandardKey.Quit
                 onTriggered: AppCommands.quit()
@@ -58,6 +64,15 @@ ApplicationWindow {
     }
 
     Component.onCompleted: windowState.restore(window)
+
+    // One settings window at a time: shown again and raised if it is open, made anew if not.
+    function showSettings() {
+        settingsLoader.active = true
+        const settings = settingsLoader.item
+        settings.show()
+        settings.raise()
+        settings.requestActivate()
+    }
 
     onClosing: close => {
         windowState.save(window)
@@ -78,7 +93,23 @@ ApplicationWindow {
         to: 0
         duration: 500
         easing.type: Easing.InQuad
-        onFinished: window.close()
+        onFinished: {
+            settingsLoader.active = false
+            window.close()
+        }
+    }
+
+    Loader {
+        id: settingsLoader
+
+        active: false
+
+        sourceComponent: SettingsWindow {
+            objectName: "settingsWindow"
+            transientParent: window
+            // Its state lives with it: closed, it is gone.
+            onClosing: Qt.callLater(() => settingsLoader.active = false)
+        }
     }
 
     WindowState {

@@ -29,10 +29,10 @@ QObject *ScreenshotSession::find(const char *objectName) const
     return m_window->findChild<QObject *>(QLatin1StringView(objectName));
 }
 
-void ScreenshotSession::shoot(const QString &state, int settleMs) const
+void ScreenshotSession::shoot(const QString &state, int settleMs, QQuickWindow *window) const
 {
     wait(settleMs);
     const QString path = u"%1/%2-%3-%4.png"_s.arg(m_outputFolder, state, m_language, m_appearance);
-    m_window->grabWindow().save(path);
+    (window ? window : m_window)->grabWindow().save(path);
     std::printf("%s\n", qPrintable(path));
 }

@@ -21,8 +21,9 @@ public:
     static void wait(int ms);
     // The first object of the window with this objectName, or null.
     [[nodiscard]] QObject *find(const char *objectName) const;
-    // Saves the window as "<state>-<language>-<appearance>.png" after letting it settle.
-    void shoot(const QString &state, int settleMs = 150) const;
+    // Saves the window (the main one unless named) as "<state>-<language>-<appearance>.png"
+    // after letting it settle.
+    void shoot(const QString &state, int settleMs = 150, QQuickWindow *window = nullptr) const;
 
 private:
     QQuickWindow *m_window = nullptr;
@@ -36,4 +37,5 @@ private:
 // it (no sheet open, no panel open) for the next.
 void shootShellScenes(ScreenshotSession &session);
 void shootAssistantScenes(ScreenshotSession &session);
+void shootSettingsScenes(ScreenshotSession &session);
 void shootEmptyStoreScene(ScreenshotSession &session);

@@ -9,15 +9,6 @@
 
 using namespace Qt::StringLiterals;
 
-namespace {
-
-QString idText(const QUuid &id)
-{
-    return id.toString(QUuid::WithoutBraces).toUpper();
-}
-
-} // namespace
-
 KnowledgeListModel::KnowledgeListModel(QObject *parent)
     : KnowledgeListModel(DataStore::shared(), parent)
 {}
@@ -49,7 +40,7 @@ QVariant KnowledgeListModel::data(const QModelIndex &index, int role) const
     const Row &row = m_rows.at(index.row());
     switch (role) {
     case ItemIdRole:
-        return idText(row.id);
+        return row.id.toString(QUuid::WithoutBraces).toUpper();
     case CategoryRole:
         return QVariant::fromValue(row.category);
     case CategoryKeyRole:

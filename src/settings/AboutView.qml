@@ -12,9 +12,16 @@ Rectangle {
         width: parent.width
         spacing: 0
 
-        AppIcon {
+        // The application's icon, as the window and the launcher show it.
+        Image {
             Layout.alignment: Qt.AlignHCenter
-            size: 80
+            Layout.preferredWidth: 80
+            Layout.preferredHeight: 80
+            source: "qrc:/org.varnholt.Varnholt.svg"
+            sourceSize: Qt.size(Math.ceil(80 * Screen.devicePixelRatio), Math.ceil(80 * Screen.devicePixelRatio))
+            fillMode: Image.PreserveAspectFit
+            Accessible.role: Accessible.Graphic
+            Accessible.name: "Varnholt"
         }
         Label {
             Layout.alignment: Qt.AlignHCenter

@@ -1,7 +1,6 @@
 # The settings window's views and their view-side C++, built into the application's QML module.
 list(APPEND VARNHOLT_VIEW_QML
     ${CMAKE_CURRENT_LIST_DIR}/AboutView.qml
-    ${CMAKE_CURRENT_LIST_DIR}/AppIcon.qml
     ${CMAKE_CURRENT_LIST_DIR}/FormTextField.qml
     ${CMAKE_CURRENT_LIST_DIR}/KnowledgeEditSheet.qml
     ${CMAKE_CURRENT_LIST_DIR}/KnowledgeItemRow.qml

@@ -83,11 +83,6 @@ void AIConnectionSettings::setServerModel(const QString &model)
     Q_EMIT connectionChanged();
 }
 
-bool AIConnectionSettings::isUnencryptedRemote() const
-{
-    return m_baseURL.isValid() && ServerAddress::isUnencryptedRemote(m_baseURL);
-}
-
 bool AIConnectionSettings::isServerComplete() const
 {
     return m_baseURL.isValid() && !m_model.isEmpty();

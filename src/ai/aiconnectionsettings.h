@@ -22,7 +22,6 @@ class AIConnectionSettings : public QObject
     Q_PROPERTY(Kind kind READ kind WRITE setKind NOTIFY kindChanged)
     Q_PROPERTY(QString serverBaseURL READ serverBaseURL NOTIFY serverBaseURLChanged)
     Q_PROPERTY(QString serverModel READ serverModel WRITE setServerModel NOTIFY serverModelChanged)
-    Q_PROPERTY(bool isUnencryptedRemote READ isUnencryptedRemote NOTIFY serverBaseURLChanged)
     Q_PROPERTY(KeyState apiKeyState READ apiKeyState NOTIFY apiKeyStateChanged)
     // Why the secret service could not be used, in its own words; empty while it works.
     Q_PROPERTY(QString keyStoreProblem READ keyStoreProblem NOTIFY apiKeyStateChanged)
@@ -72,7 +71,6 @@ public:
     // Stored trimmed.
     void setServerModel(const QString &model);
 
-    [[nodiscard]] bool isUnencryptedRemote() const;
     // Both the address and the model are set.
     [[nodiscard]] bool isServerComplete() const;
 

@@ -19,9 +19,6 @@ class AIModelListRequest : public QObject
 {
     Q_OBJECT
 
-public:
-    [[nodiscard]] bool isRunning() const { return !m_ended; }
-
 public Q_SLOTS:
     // Ends the request without a signal.
     void cancel();

@@ -215,7 +215,7 @@ private Q_SLOTS:
         // Nothing is stored half-way.
         QCOMPARE(f.settings.value(AIConnectionSettings::serverBaseURLKey).toString(),
                  stored.isEmpty() ? u"http://localhost:1/v1"_s : stored);
-        QCOMPARE(connection.isUnencryptedRemote(), unencryptedRemote);
+        QCOMPARE(ServerAddress::isUnencryptedRemote(ServerAddress::parse(typed).base), unencryptedRemote);
         QVERIFY(ServerAddress::problemText(problem, typed, AppLanguage::Ja).isEmpty() ==
                 (problem == ServerAddress::Problem::None));
     }

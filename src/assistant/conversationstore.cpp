@@ -10,6 +10,17 @@ ConversationStore::ConversationStore(DataStore *store, QObject *parent)
     , m_store(store)
 {
     connect(store, &DataStore::documentDeleted, this, &ConversationStore::remove);
+    // A write that failed is tried again with the conversation it was to write.
+    connect(store, &DataStore::retryRequested, this, [this] {
+        forgetWritten();
+        for (auto pending = m_pending.begin(); pending != m_pending.end(); ++pending) {
+            pending->generation = ++m_generations[pending.key()];
+            m_store->writeFileInBackground(filePath(pending.key()), pending->generation,
+                                           [messages = pending->messages] {
+                                               return ConversationMessage::encodeList(messages);
+                                           });
+        }
+    });
 }
 
 ConversationStore *ConversationStore::shared()

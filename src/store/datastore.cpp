@@ -3,12 +3,14 @@
 #include "appsettings.h"
 #include "clock.h"
 #include "durablefile.h"
+#include "textfolding.h"
 #include "storecodec.h"
 #include "storewriter.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QLockFile>
 #include <QRegularExpression>
 #include <QSettings>
 #include <QStandardPaths>
@@ -18,6 +20,10 @@
 using namespace Qt::StringLiterals;
 
 namespace {
+
+constexpr int firstRetryMs = 5000;
+constexpr qint64 maxVersionNumber = (qint64(1) << 53) - 1;
+constexpr int lastRetryMs = 60000;
 
 const QString sampleName = u"示例：用户表"_s;
 const QString sampleContent =
@@ -59,13 +65,47 @@ DataStore::DataStore(const QString &dataDirectory, QSettings *settings, QObject 
     , m_dataDirectory(QDir::cleanPath(dataDirectory))
     , m_settings(settings)
 {
-    m_writer = std::make_unique<StoreWriter>();
+    m_writer = std::make_unique<StoreWriter>(
+        [this](const QString &path, quint64 generation, const QString &error) {
+            Q_UNUSED(generation)
+            {
+                std::lock_guard lock(m_reportsMutex);
+                m_reports.append({path, error});
+            }
+            QMetaObject::invokeMethod(this, &DataStore::applyWriteReports, Qt::QueuedConnection);
+        });
+    m_retryTimer.setSingleShot(true);
+    m_retryTimer.setInterval(firstRetryMs);
+    connect(&m_retryTimer, &QTimer::timeout, this, [this] {
+        m_retryTimer.setInterval(std::min(m_retryTimer.interval() * 2, lastRetryMs));
+        saveData();
+        Q_EMIT retryRequested();
+    });
+    takeLock();
     loadData();
 }
 
 DataStore::~DataStore()
 {
     flush();
+    // The writer is done; the folder may go to another process.
+    m_writer.reset();
+}
+
+void DataStore::takeLock()
+{
+    // The folder is made private when it is made; one that exists keeps the mode its owner gave it.
+    makePrivateFolder(m_dataDirectory);
+    m_lock = std::make_unique<QLockFile>(m_dataDirectory + u'/' + lockFileName);
+    // Never stale by age: only a lock whose process is gone is taken over.
+    m_lock->setStaleLockTime(0);
+    if (m_lock->tryLock(0) || m_lock->error() != QLockFile::LockFailedError)
+        return; // held, or a folder we cannot write in: the writes will say so
+    qint64 pid = 0;
+    QString host;
+    QString application;
+    m_lock->getLockInfo(&pid, &host, &application);
+    m_lockHolder = u"%1 (PID %2, %3)"_s.arg(application.isEmpty() ? u"?"_s : application).arg(pid).arg(host);
 }
 
 DataStore *DataStore::shared()
@@ -93,60 +133,81 @@ void DataStore::loadData()
 {
     setIsLoading(true);
 
-    if (QDir().mkpath(m_dataDirectory))
-        QFile::setPermissions(m_dataDirectory,
-                              QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
-    removeStaleTemporaryFiles(m_dataDirectory);
+    // Left-overs of a crash are ours to remove only while no other process writes here.
+    if (!isReadOnly())
+        removeStaleTemporaryFiles(m_dataDirectory);
 
     const QDir dir(m_dataDirectory);
     // Reads one file. A file that is missing leaves the collection empty and is written at
     // the next save; one that exists but cannot be read or decoded is moved aside first, and
-    // if even that fails, it is never written over in this session.
-    const auto load = [&](Collection collection, QLatin1StringView fileName, const auto &decodeAndAssign) {
+    // if even that fails, it is never written over in this session. Of a damaged file, every
+    // record that still reads on its own is kept.
+    const auto load = [&](Collection collection, QLatin1StringView fileName, const auto &decodeAndAssign,
+                          const auto &recoverAndAssign) {
         const QString path = dir.filePath(fileName);
-        QFile file(path);
-        if (!file.exists())
+        const FileRead read = readRegularFile(path, maxFileBytes);
+        if (read.status == FileRead::Status::Missing)
             return;
         const int slot = int(collection);
-        if (file.open(QIODevice::ReadOnly)) {
-            // Mapping spares a copy of what can be hundreds of megabytes; reading is the
-            // fallback for files that cannot be mapped (empty ones included).
-            const qint64 size = file.size();
-            uchar *mapped = size > 0 ? file.map(0, size) : nullptr;
-            const QByteArray bytes =
-                mapped ? QByteArray::fromRawData(reinterpret_cast<const char *>(mapped), size)
-                       : file.readAll();
-            const bool decoded = file.error() == QFileDevice::NoError && decodeAndAssign(bytes);
-            if (mapped)
-                file.unmap(mapped);
-            if (decoded) {
-                m_writer->markWritten(path, m_generation[slot]);
-                return;
-            }
-            file.close();
+        if (read.status == FileRead::Status::Read && decodeAndAssign(read.bytes)) {
+            m_writer->markWritten(path, m_generation[slot]);
+            return;
         }
-        if (setAsideDamagedFile(path).isEmpty())
+        qsizetype found = 0;
+        const qsizetype recovered =
+            read.status == FileRead::Status::Read ? recoverAndAssign(read.bytes, &found) : 0;
+        const QString kept = setAsideDamagedFile(path);
+        if (kept.isEmpty())
             m_unwritable[slot] = true;
+        if (recovered > 0) {
+            m_recoveredFiles.append(QVariantMap{{u"file"_s, QString(fileName)},
+                                                {u"keptAs"_s, kept},
+                                                {u"recovered"_s, recovered},
+                                                {u"found"_s, found}});
+            // What was kept goes to a new file at once, before anything else can happen.
+            ++m_generation[slot];
+            requestWrite(collection);
+        }
     };
 
-    load(Collection::Documents, documentsFileName, [this](const QByteArray &bytes) {
-        auto documents = StoreCodec::decodeDocuments(bytes);
-        if (documents)
-            m_documents = std::move(*documents);
-        return documents.has_value();
-    });
-    load(Collection::Versions, versionsFileName, [this](const QByteArray &bytes) {
-        auto versions = StoreCodec::decodeVersions(bytes);
-        if (versions)
-            m_versions = StoreCodec::groupVersions(std::move(*versions));
-        return versions.has_value();
-    });
-    load(Collection::Knowledge, knowledgeFileName, [this](const QByteArray &bytes) {
-        auto items = StoreCodec::decodeKnowledge(bytes);
-        if (items)
-            m_knowledgeItems = std::move(*items);
-        return items.has_value();
-    });
+    load(
+        Collection::Documents, documentsFileName,
+        [this](const QByteArray &bytes) {
+            auto documents = StoreCodec::decodeDocuments(bytes);
+            if (documents)
+                m_documents = std::move(*documents);
+            return documents.has_value();
+        },
+        [this](const QByteArray &bytes, qsizetype *found) {
+            m_documents = StoreCodec::recoverDocuments(bytes, found);
+            return m_documents.size();
+        });
+    load(
+        Collection::Versions, versionsFileName,
+        [this](const QByteArray &bytes) {
+            auto versions = StoreCodec::decodeVersions(bytes);
+            if (versions)
+                m_versions = StoreCodec::groupVersions(std::move(*versions));
+            return versions.has_value();
+        },
+        [this](const QByteArray &bytes, qsizetype *found) {
+            QList<SQLVersion> versions = StoreCodec::recoverVersions(bytes, found);
+            const qsizetype count = versions.size();
+            m_versions = StoreCodec::groupVersions(std::move(versions));
+            return count;
+        });
+    load(
+        Collection::Knowledge, knowledgeFileName,
+        [this](const QByteArray &bytes) {
+            auto items = StoreCodec::decodeKnowledge(bytes);
+            if (items)
+                m_knowledgeItems = std::move(*items);
+            return items.has_value();
+        },
+        [this](const QByteArray &bytes, qsizetype *found) {
+            m_knowledgeItems = StoreCodec::recoverKnowledge(bytes, found);
+            return m_knowledgeItems.size();
+        });
     if (!m_documents.isEmpty())
         Q_EMIT documentsChanged();
     if (!m_versions.isEmpty())
@@ -266,6 +327,14 @@ void DataStore::requestWrite(Collection collection)
     const int slot = int(collection);
     if (m_unwritable[slot])
         return;
+    if (isReadOnly()) {
+        // Kept in memory only; the user is told, and may export it.
+        if (!m_hasReadOnlyChanges && m_generation[slot] != m_writer->writtenGeneration(filePath(collection))) {
+            m_hasReadOnlyChanges = true;
+            Q_EMIT writeStateChanged();
+        }
+        return;
+    }
     const QString path = filePath(collection);
     // The lambdas own copies of the collections: cheap here, and immutable for the writer.
     switch (collection) {
@@ -305,17 +374,114 @@ void DataStore::saveKnowledge()
 void DataStore::flush()
 {
     m_writer->flush();
+    applyWriteReports();
 }
 
 void DataStore::writeFileInBackground(const QString &path, quint64 generation,
                                       std::function<QByteArray()> serialize)
 {
+    if (isReadOnly()) {
+        if (!m_hasReadOnlyChanges) {
+            m_hasReadOnlyChanges = true;
+            Q_EMIT writeStateChanged();
+        }
+        return;
+    }
     m_writer->submit(path, generation, std::move(serialize));
 }
 
 void DataStore::removeFileInBackground(const QString &path)
 {
-    m_writer->remove(path);
+    if (!isReadOnly())
+        m_writer->remove(path);
+}
+
+void DataStore::applyWriteReports()
+{
+    QList<std::pair<QString, QString>> reports;
+    {
+        std::lock_guard lock(m_reportsMutex);
+        reports.swap(m_reports);
+    }
+    if (reports.isEmpty())
+        return;
+    for (const auto &[path, error] : std::as_const(reports)) {
+        if (error.isEmpty())
+            m_failedWrites.remove(path);
+        else
+            m_failedWrites.insert(path, error);
+    }
+    if (m_failedWrites.isEmpty()) {
+        m_retryTimer.stop();
+        m_retryTimer.setInterval(firstRetryMs);
+    } else if (!m_retryTimer.isActive()) {
+        m_retryTimer.start();
+    }
+    // Every report may change what is unwritten, even when no failure came or went.
+    Q_EMIT writeStateChanged();
+}
+
+QString DataStore::saveFailure() const
+{
+    return m_failedWrites.isEmpty() ? QString() : m_failedWrites.first();
+}
+
+bool DataStore::hasUnwrittenChanges() const
+{
+    if (m_hasReadOnlyChanges || !m_failedWrites.isEmpty())
+        return true;
+    for (const Collection collection : {Collection::Documents, Collection::Versions, Collection::Knowledge}) {
+        const int slot = int(collection);
+        if (!m_unwritable[slot] && m_writer->writtenGeneration(filePath(collection)) != m_generation[slot])
+            return true;
+    }
+    return false;
+}
+
+bool DataStore::areDocumentsWritten() const
+{
+    const QString path = filePath(Collection::Documents);
+    return !m_failedWrites.contains(path) &&
+           m_writer->writtenGeneration(path) == m_generation[int(Collection::Documents)];
+}
+
+void DataStore::retrySaving()
+{
+    saveData();
+    Q_EMIT retryRequested();
+    flush();
+}
+
+QString DataStore::exportToFolder(const QUrl &folder)
+{
+    if (!folder.isLocalFile())
+        return u"%1 is not a local folder"_s.arg(folder.toDisplayString());
+    return exportTo(folder.toLocalFile());
+}
+
+bool DataStore::saveAndWait()
+{
+    saveData();
+    flush();
+    return !hasUnwrittenChanges();
+}
+
+QString DataStore::exportTo(const QString &folder)
+{
+    QString error;
+    if (!makePrivateFolder(folder, &error))
+        return error;
+    const QDir dir(folder);
+    const std::pair<QLatin1StringView, QByteArray> files[] = {
+        {documentsFileName, StoreCodec::encodeDocuments(m_documents)},
+        {versionsFileName, StoreCodec::encodeVersions(m_versions)},
+        {knowledgeFileName, StoreCodec::encodeKnowledge(m_knowledgeItems)},
+    };
+    for (const auto &[name, bytes] : files) {
+        if (!writeFileDurably(dir.filePath(name), bytes, &error))
+            return error;
+    }
+    return {};
 }
 
 bool DataStore::isFileWritten(const QString &path, quint64 generation) const
@@ -386,8 +552,9 @@ QList<SQLDocument> DataStore::sidebarDocuments(const QString &searchText) const
 {
     QList<SQLDocument> listed;
     listed.reserve(m_documents.size());
+    const QString wanted = foldedForSearch(searchText);
     for (const SQLDocument &document : m_documents) {
-        if (searchText.isEmpty() || document.name.contains(searchText, Qt::CaseInsensitive))
+        if (searchText.isEmpty() || foldedForSearch(document.name).contains(wanted))
             listed.append(document);
     }
     std::stable_sort(listed.begin(), listed.end(),
@@ -412,7 +579,8 @@ std::optional<SQLVersion> DataStore::saveVersion(const QUuid &documentId, const 
     version.content = m_documents.at(index).content;
     version.note = note;
     version.createdAt = Clock::now();
-    version.versionNumber = highest + 1;
+    // Numbers stop at the largest a JSON reader keeps exact; only a hand-edited file gets there.
+    version.versionNumber = std::min(highest, maxVersionNumber - 1) + 1;
     list.append(version);
     markChanged(Collection::Versions);
     saveData();

@@ -9,10 +9,16 @@
 #include <QSet>
 #include <QStringList>
 
+#include <QTimer>
+#include <QUrl>
+#include <QVariantList>
+
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <optional>
 
+class QLockFile;
 class QSettings;
 class StoreWriter;
 
@@ -23,7 +29,12 @@ using VersionMap = QMap<QUuid, QList<SQLVersion>>;
 //
 // Writes are durable and atomic, and happen on a background thread from immutable snapshots
 // of the collections, so that saving never stalls the window; `flush()` waits for them.
-// A file that exists but cannot be read is moved aside, never overwritten.
+// A file that exists but cannot be read is moved aside, never overwritten, and what still reads
+// of it is kept.
+//
+// The store writes only while it holds the lock of its folder: a second process on the same
+// folder works in memory and says who holds it. A write that fails is reported at once
+// (`saveFailure`) and tried again, and what could not be written can be exported elsewhere.
 class DataStore : public QObject
 {
     Q_OBJECT
@@ -36,6 +47,17 @@ class DataStore : public QObject
     Q_PROPERTY(bool knowledgeAutoRecordingEnabled READ knowledgeAutoRecordingEnabled WRITE
                    setKnowledgeAutoRecordingEnabled NOTIFY knowledgeAutoRecordingEnabledChanged)
     Q_PROPERTY(QStringList setAsideFiles READ setAsideFiles NOTIFY setAsideFilesChanged)
+    // [{file, keptAs, recovered, found}]: damaged files of which `recovered` of `found` records
+    // still read and were kept; the original lies at `keptAs`.
+    Q_PROPERTY(QVariantList recoveredFiles READ recoveredFiles NOTIFY setAsideFilesChanged)
+    Q_PROPERTY(QString dataDirectory READ dataDirectory CONSTANT)
+    // Another process holds the folder: this one writes nothing. Says which, empty otherwise.
+    Q_PROPERTY(QString lockHolder READ lockHolder CONSTANT)
+    Q_PROPERTY(bool isReadOnly READ isReadOnly CONSTANT)
+    // Why the newest write failed, while a file of the folder is not as the store holds it.
+    Q_PROPERTY(QString saveFailure READ saveFailure NOTIFY writeStateChanged)
+    // Something the user changed is not on disk (a failed write, or a read-only store).
+    Q_PROPERTY(bool hasUnwrittenChanges READ hasUnwrittenChanges NOTIFY writeStateChanged)
 
 public:
     static constexpr QLatin1StringView knowledgeAutoKey{"knowledge_auto_recording_enabled"};
@@ -43,9 +65,14 @@ public:
     static constexpr QLatin1StringView documentsFileName{"sql_documents.json"};
     static constexpr QLatin1StringView versionsFileName{"sql_versions.json"};
     static constexpr QLatin1StringView knowledgeFileName{"knowledge_items.json"};
+    static constexpr QLatin1StringView lockFileName{".varnholt.lock"};
+    // Store files larger than this are not read: a SQL store never comes near it, a runaway file
+    // would take the machine's memory.
+    static constexpr qint64 maxFileBytes = qint64(1) << 30;
 
-    // A store on `dataDirectory` (made 0700 if missing) with preferences in `settings`, which
-    // must outlive the store. Loads at once.
+    // A store on `dataDirectory` (made 0700 if missing; an existing folder keeps its mode) with
+    // preferences in `settings`, which must outlive the store. Takes the folder's lock, then
+    // loads at once.
     DataStore(const QString &dataDirectory, QSettings *settings, QObject *parent = nullptr);
     // Waits for pending writes.
     ~DataStore() override;
@@ -71,7 +98,23 @@ public:
 
     // Files the store found damaged or unreadable at start and moved aside, full paths.
     [[nodiscard]] QStringList setAsideFiles() const { return m_setAsideFiles; }
+    [[nodiscard]] QVariantList recoveredFiles() const { return m_recoveredFiles; }
     [[nodiscard]] QString dataDirectory() const { return m_dataDirectory; }
+    [[nodiscard]] QString lockHolder() const { return m_lockHolder; }
+    [[nodiscard]] bool isReadOnly() const { return !m_lockHolder.isEmpty(); }
+    [[nodiscard]] QString saveFailure() const;
+    [[nodiscard]] bool hasUnwrittenChanges() const;
+    // The documents file holds what the store holds.
+    [[nodiscard]] bool areDocumentsWritten() const;
+    // Writes the three collections to `folder` (made if missing), for when the store's own
+    // folder cannot take them; the reason if that fails too.
+    QString exportTo(const QString &folder);
+    // The same for a folder a file dialog chose.
+    Q_INVOKABLE QString exportToFolder(const QUrl &folder);
+    // Writes what is not written, now, and waits for it.
+    Q_INVOKABLE void retrySaving();
+    // Saves, waits, and tells whether everything is on disk (before the window closes).
+    Q_INVOKABLE bool saveAndWait();
     // Moves a file of the data folder that exists but cannot be used out of the way, under a name
     // that says so, and lists it in setAsideFiles. Gives the new path, or an empty string when
     // even that failed; such a file must not be written over.
@@ -133,11 +176,18 @@ Q_SIGNALS:
     void isLoadingChanged();
     void knowledgeAutoRecordingEnabledChanged();
     void setAsideFilesChanged();
+    // A write finished or failed; what is unwritten may have changed.
+    void writeStateChanged();
+    // Failed writes are tried again: subsystems with files of their own write them again.
+    void retryRequested();
 
 private:
     enum class Collection { Documents, Versions, Knowledge };
 
+    void takeLock();
     void loadData();
+    void onWritten(const QString &path, quint64 generation, const QString &error);
+    void applyWriteReports();
     void setIsLoading(bool loading);
     void selectAndRemember(const QUuid &id);
     void markChanged(Collection collection);
@@ -156,6 +206,17 @@ private:
     QString m_dataDirectory;
     QSettings *m_settings = nullptr;
     QStringList m_setAsideFiles;
+    QVariantList m_recoveredFiles;
+    std::unique_ptr<QLockFile> m_lock;
+    QString m_lockHolder;
+    // Files whose newest write failed, with the reason; cleared by a later success.
+    QMap<QString, QString> m_failedWrites;
+    // Reports from the writer thread, taken on the store's thread.
+    std::mutex m_reportsMutex;
+    QList<std::pair<QString, QString>> m_reports;
+    QTimer m_retryTimer;
+    // Changes made while the store cannot write (another process holds the folder).
+    bool m_hasReadOnlyChanges = false;
     // Files that could be neither read nor moved aside: never written over.
     bool m_unwritable[3] = {false, false, false};
     // Bumped at every change of a collection; a collection is written when its generation

@@ -6,6 +6,7 @@
 #include <QRandomGenerator>
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -39,7 +40,19 @@ bool writeFileDurably(const QString &path, QByteArrayView data, QString *error, 
             *error = why;
         return false;
     };
-    const QFileInfo target(path);
+    // A symbolic link stays a link: the file it points to is what is replaced, in its own folder.
+    QString resolved = path;
+    struct stat link
+    {};
+    if (::lstat(QFile::encodeName(path).constData(), &link) == 0 && S_ISLNK(link.st_mode)) {
+        char *real = ::realpath(QFile::encodeName(path).constData(), nullptr);
+        if (!real)
+            return failWith(u"%1 is a symbolic link to a file that cannot be reached: %2"_s.arg(
+                path, QString::fromLocal8Bit(std::strerror(errno))));
+        resolved = QFile::decodeName(real);
+        std::free(real);
+    }
+    const QFileInfo target(resolved);
     const QString folder = target.absolutePath();
     const QString temporary =
         u"%1/.%2%3%4"_s.arg(folder, target.fileName(), durableTempMarker,
@@ -86,8 +99,8 @@ bool writeFileDurably(const QString &path, QByteArrayView data, QString *error, 
         ::unlink(temporaryName.constData());
         return failWith(systemError("cannot close", temporary));
     }
-    if (::rename(temporaryName.constData(), QFile::encodeName(path).constData()) != 0) {
-        const QString why = systemError("cannot replace", path);
+    if (::rename(temporaryName.constData(), QFile::encodeName(resolved).constData()) != 0) {
+        const QString why = systemError("cannot replace", resolved);
         ::unlink(temporaryName.constData());
         return failWith(why);
     }

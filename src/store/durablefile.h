@@ -8,7 +8,8 @@
 // either the old or the new content, never a mix: the data goes to a new file in the same
 // folder, every write is checked, the file is synced, renamed over the target, and the
 // folder is synced. On failure the temporary file is removed, the old file is untouched,
-// and `error` (if given) says what went wrong.
+// and `error` (if given) says what went wrong. A symbolic link at `path` is followed: the file
+// it points to is replaced, in that file's folder, and the link stays.
 bool writeFileDurably(const QString &path, QByteArrayView data, QString *error = nullptr, int mode = 0600);
 
 // The marker in the names of our temporary files; files with it are left-overs of a crash.

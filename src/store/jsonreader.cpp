@@ -1,5 +1,7 @@
 #include "jsonreader.h"
 
+#include <cmath>
+
 #include <QStringDecoder>
 
 #include <cstring>
@@ -354,6 +356,25 @@ bool JsonReader::readInt64(qint64 &value)
     value = text.toLongLong(&ok);
     if (!ok)
         return fail("expected a whole number that fits 64 bits");
+    return true;
+}
+
+bool JsonReader::readWholeNumber(qint64 &value)
+{
+    if (failed())
+        return false;
+    QByteArrayView text;
+    if (!readNumber(&text))
+        return false;
+    bool ok = false;
+    value = text.toLongLong(&ok);
+    if (ok)
+        return true;
+    const double number = text.toDouble(&ok);
+    constexpr double exactLimit = 9007199254740992.0; // 2^53
+    if (!ok || !std::isfinite(number) || std::trunc(number) != number || std::fabs(number) > exactLimit)
+        return fail("expected a whole number");
+    value = qint64(number);
     return true;
 }
 

@@ -30,6 +30,9 @@ public:
     bool readBool(bool &value);
     // An integer without fraction or exponent that fits 64 bits.
     bool readInt64(qint64 &value);
+    // A number whose value is whole, also when it is written "2.0" or "2e0", up to 2^53 where
+    // it is not written as a plain integer (beyond that a double cannot say it exactly).
+    bool readWholeNumber(qint64 &value);
     bool skipValue();
     // True when only white space is left.
     bool atEnd();

@@ -100,9 +100,9 @@ std::optional<QList<Record>> decodePiece(const Piece &piece, QString *error,
 }
 
 // Splits a large file in our own pretty-printed form into pieces at separators between
-// top-level records. "\n  },\n  {\n" is structural wherever it stands, since a string cannot
-// hold a raw line feed: if it stood inside a string, the piece before it would fail to
-// decode, so cutting there never lets an invalid file pass.
+// top-level records. "\n  },\n  {\n" cannot stand inside a string, which cannot hold a raw
+// line feed, so cutting there never lets an invalid file pass; it can stand inside a value of a
+// key we do not know, and then a piece fails and the file is decoded whole (decodeArray).
 QList<Piece> splitForThreads(const QByteArray &json)
 {
     static constexpr qsizetype minimumPiece = 8 << 20;
@@ -127,12 +127,44 @@ QList<Piece> splitForThreads(const QByteArray &json)
     return pieces;
 }
 
-// Decodes the pieces of a large file on several threads; the records keep file order.
+// How many records a damaged file seemed to hold, and how many of them still read.
+struct Recovery
+{
+    qsizetype candidates = 0;
+};
+
+// The records of a damaged file of our own form that still read on their own: each record
+// stands between a line "  {" and the next line "  }" (no raw line feed can stand inside a
+// string, so these lines are structural), and is decoded alone.
+template<typename Record, size_t KeyCount, typename ReadMember>
+QList<Record> recoverArray(const QByteArray &json, Recovery &recovery,
+                           const std::array<QLatin1StringView, KeyCount> &requiredKeys, ReadMember readMember)
+{
+    static constexpr QByteArrayView opening("\n  {\n");
+    static constexpr QByteArrayView closing("\n  }");
+    QList<Record> records;
+    for (qsizetype start = json.indexOf(opening); start >= 0; start = json.indexOf(opening, start + 1)) {
+        const qsizetype end = json.indexOf(closing, start + opening.size() - 1);
+        if (end < 0)
+            break;
+        ++recovery.candidates;
+        const QByteArray one = '[' + json.mid(start + 3, end + closing.size() - start - 3) + ']';
+        if (std::optional<QList<Record>> decoded = decodePiece<Record>(Piece{one}, nullptr, requiredKeys, readMember);
+            decoded && decoded->size() == 1)
+            records.append(std::move(decoded->first()));
+    }
+    return records;
+}
+
+// Decodes the pieces of a large file on several threads; the records keep file order. With
+// `recovery`, reads what still reads of a damaged file instead.
 template<typename Record, size_t KeyCount, typename ReadMember>
 std::optional<QList<Record>> decodeArray(const QByteArray &json, QString *error,
                                          const std::array<QLatin1StringView, KeyCount> &requiredKeys,
-                                         ReadMember readMember)
+                                         ReadMember readMember, Recovery *recovery = nullptr)
 {
+    if (recovery)
+        return recoverArray<Record>(json, *recovery, requiredKeys, readMember);
     const QList<Piece> pieces = splitForThreads(json);
     if (pieces.size() == 1)
         return decodePiece<Record>(pieces.constFirst(), error, requiredKeys, readMember);
@@ -153,11 +185,10 @@ std::optional<QList<Record>> decodeArray(const QByteArray &json, QString *error,
         else if (piece && !failure)
             records.append(std::move(*piece));
     }
-    if (failure) {
-        if (error)
-            *error = *failure;
-        return std::nullopt;
-    }
+    // A cut that was no record boundary after all (the separator inside a valid value of a key
+    // we do not know) fails a piece of a valid file: the whole file then decides, on one thread.
+    if (failure)
+        return decodePiece<Record>(Piece{json}, error, requiredKeys, readMember);
     return records;
 }
 
@@ -319,7 +350,9 @@ QByteArray encodeKnowledge(const QList<KnowledgeItem> &items)
     return writer.take();
 }
 
-std::optional<QList<SQLDocument>> decodeDocuments(const QByteArray &json, QString *error)
+namespace {
+
+std::optional<QList<SQLDocument>> readDocuments(const QByteArray &json, QString *error, Recovery *recovery)
 {
     static constexpr std::array keys{"id"_L1,        "name"_L1, "content"_L1,   "createdAt"_L1,
                                      "updatedAt"_L1, "tags"_L1, "isFavorite"_L1};
@@ -341,10 +374,28 @@ std::optional<QList<SQLDocument>> decodeDocuments(const QByteArray &json, QStrin
         default:
             return reader.readBool(d.isFavorite);
         }
-    });
+    }, recovery);
 }
 
-std::optional<QList<SQLVersion>> decodeVersions(const QByteArray &json, QString *error)
+} // namespace
+
+std::optional<QList<SQLDocument>> decodeDocuments(const QByteArray &json, QString *error)
+{
+    return readDocuments(json, error, nullptr);
+}
+
+QList<SQLDocument> recoverDocuments(const QByteArray &json, qsizetype *candidates)
+{
+    Recovery recovery;
+    QList<SQLDocument> records = readDocuments(json, nullptr, &recovery).value_or(QList<SQLDocument>());
+    if (candidates)
+        *candidates = recovery.candidates;
+    return records;
+}
+
+namespace {
+
+std::optional<QList<SQLVersion>> readVersions(const QByteArray &json, QString *error, Recovery *recovery)
 {
     static constexpr std::array keys{"id"_L1,   "documentId"_L1, "content"_L1,
                                      "note"_L1, "createdAt"_L1,  "versionNumber"_L1};
@@ -361,12 +412,30 @@ std::optional<QList<SQLVersion>> decodeVersions(const QByteArray &json, QString 
         case 4:
             return readDate(reader, v.createdAt);
         default:
-            return reader.readInt64(v.versionNumber);
+            return reader.readWholeNumber(v.versionNumber);
         }
-    });
+    }, recovery);
 }
 
-std::optional<QList<KnowledgeItem>> decodeKnowledge(const QByteArray &json, QString *error)
+} // namespace
+
+std::optional<QList<SQLVersion>> decodeVersions(const QByteArray &json, QString *error)
+{
+    return readVersions(json, error, nullptr);
+}
+
+QList<SQLVersion> recoverVersions(const QByteArray &json, qsizetype *candidates)
+{
+    Recovery recovery;
+    QList<SQLVersion> records = readVersions(json, nullptr, &recovery).value_or(QList<SQLVersion>());
+    if (candidates)
+        *candidates = recovery.candidates;
+    return records;
+}
+
+namespace {
+
+std::optional<QList<KnowledgeItem>> readKnowledge(const QByteArray &json, QString *error, Recovery *recovery)
 {
     static constexpr std::array keys{"id"_L1,     "category"_L1,  "content"_L1,
                                      "source"_L1, "createdAt"_L1, "updatedAt"_L1};
@@ -397,7 +466,23 @@ std::optional<QList<KnowledgeItem>> decodeKnowledge(const QByteArray &json, QStr
                                           default:
                                               return readDate(reader, k.updatedAt);
                                           }
-                                      });
+                                      }, recovery);
+}
+
+} // namespace
+
+std::optional<QList<KnowledgeItem>> decodeKnowledge(const QByteArray &json, QString *error)
+{
+    return readKnowledge(json, error, nullptr);
+}
+
+QList<KnowledgeItem> recoverKnowledge(const QByteArray &json, qsizetype *candidates)
+{
+    Recovery recovery;
+    QList<KnowledgeItem> records = readKnowledge(json, nullptr, &recovery).value_or(QList<KnowledgeItem>());
+    if (candidates)
+        *candidates = recovery.candidates;
+    return records;
 }
 
 QMap<QUuid, QList<SQLVersion>> groupVersions(QList<SQLVersion> versions)

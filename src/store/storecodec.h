@@ -27,6 +27,12 @@ namespace StoreCodec {
 [[nodiscard]] std::optional<QList<KnowledgeItem>> decodeKnowledge(const QByteArray &json,
                                                                   QString *error = nullptr);
 
+// What still reads of a damaged file of our own form: every record that decodes on its own.
+// `candidates` (if given) tells how many records the file seemed to hold.
+[[nodiscard]] QList<SQLDocument> recoverDocuments(const QByteArray &json, qsizetype *candidates = nullptr);
+[[nodiscard]] QList<SQLVersion> recoverVersions(const QByteArray &json, qsizetype *candidates = nullptr);
+[[nodiscard]] QList<KnowledgeItem> recoverKnowledge(const QByteArray &json, qsizetype *candidates = nullptr);
+
 // Groups a flat list of versions by document, each group in list order.
 [[nodiscard]] QMap<QUuid, QList<SQLVersion>> groupVersions(QList<SQLVersion> versions);
 

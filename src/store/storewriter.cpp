@@ -3,6 +3,7 @@
 #include "durablefile.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 #include <cerrno>
 #include <cstring>
@@ -10,8 +11,9 @@
 
 using namespace Qt::StringLiterals;
 
-StoreWriter::StoreWriter()
-    : m_thread([this] { run(); })
+StoreWriter::StoreWriter(WriteReport report)
+    : m_report(std::move(report))
+    , m_thread([this] { run(); })
 {}
 
 StoreWriter::~StoreWriter()
@@ -30,8 +32,10 @@ void StoreWriter::submit(const QString &path, quint64 generation, std::function<
         std::lock_guard lock(m_mutex);
         const FileState state = m_files.value(path);
         const auto pending = m_pending.constFind(path);
-        if (generation == state.written || generation == state.inFlight ||
+        if (generation == state.inFlight ||
             (pending != m_pending.cend() && pending->serialize && pending->generation == generation))
+            return;
+        if (generation == state.written && QFileInfo(path).isFile())
             return;
         enqueue(path, Job{generation, std::move(serialize)});
     }
@@ -108,7 +112,9 @@ void StoreWriter::run()
                 error = u"cannot remove %1: %2"_s.arg(path, QString::fromLocal8Bit(std::strerror(errno)));
             }
         } else {
-            ok = writeFileDurably(path, job.serialize(), &error);
+            // The folder may have been deleted or moved away meanwhile.
+            ok = makePrivateFolder(QFileInfo(path).absolutePath(), &error) &&
+                 writeFileDurably(path, job.serialize(), &error);
         }
         job = Job{}; // drop the snapshot off the lock
 
@@ -120,5 +126,10 @@ void StoreWriter::run()
         else if (ok)
             state.written = generation;
         m_lastError = ok ? QString() : error;
+        if (m_report) {
+            lock.unlock();
+            m_report(path, generation, ok ? QString() : error);
+            lock.lock();
+        }
     }
 }

@@ -17,10 +17,17 @@
 // A newer job for a file replaces a queued older one and keeps its place, so a backlog coalesces
 // into one write of the newest data. Removing a file is a job too, queued behind the writes
 // before it; it drops a queued write of the same file.
+//
+// The folder of a file is made again (0700) before each write, should it have gone meanwhile,
+// and a file that is no longer there is written again even if its generation was written.
 class StoreWriter
 {
 public:
-    StoreWriter();
+    // What became of a write: the file, the generation, and the reason if it failed. Called on
+    // the writer's thread.
+    using WriteReport = std::function<void(const QString &path, quint64 generation, const QString &error)>;
+
+    explicit StoreWriter(WriteReport report = {});
     // Finishes the queued jobs.
     ~StoreWriter();
 
@@ -55,6 +62,7 @@ private:
     void enqueue(const QString &path, Job job);
     void run();
 
+    WriteReport m_report;
     mutable std::mutex m_mutex;
     std::condition_variable m_wake;
     std::condition_variable m_idle;

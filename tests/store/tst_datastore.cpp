@@ -133,6 +133,10 @@ private Q_SLOTS:
         QCOMPARE(store->sidebarDocuments(u"REPORT"_s).size(), 2);
         QCOMPARE(store->sidebarDocuments(u"select"_s).size(), 0);
         QCOMPARE(store->sidebarDocuments(u" drafts"_s).size(), 1);
+        // Searches compare folded forms: decomposed and composed, full case folding, widths.
+        const SQLDocument german = store->createDocument(u"Straße café ＳＱＬ"_s, QString());
+        for (const QString &wanted : {u"STRASSE"_s, u"cafe\u0301"_s, u"sql"_s})
+            QCOMPARE(store->sidebarDocuments(wanted).constFirst().id, german.id);
 
         // Renaming: empty names are refused, blanks are taken, dates move.
         const QDateTime before = store->document(b.id)->updatedAt;

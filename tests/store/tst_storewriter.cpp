@@ -1,11 +1,14 @@
 #include "storewriter.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QSemaphore>
 #include <QTemporaryDir>
 #include <QTest>
 
 #include <atomic>
+#include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
 
@@ -105,15 +108,42 @@ private Q_SLOTS:
         QVERIFY(writer.lastError().isEmpty());
     }
 
-    void failedWriteKeepsTheOldFileAndSaysWhy()
+    void failedWriteSaysWhy()
     {
         QTemporaryDir dir;
-        const QString path = dir.filePath(u"missing-folder/d.json"_s);
-        StoreWriter writer;
+        // A folder cannot be made where a file stands.
+        QFile blocker(dir.filePath(u"blocker"_s));
+        QVERIFY(blocker.open(QIODevice::WriteOnly));
+        const QString path = dir.filePath(u"blocker/d.json"_s);
+        QStringList reports;
+        StoreWriter writer([&](const QString &reported, quint64 generation, const QString &error) {
+            reports.append(u"%1 %2 %3"_s.arg(QFileInfo(reported).fileName()).arg(generation).arg(error.isEmpty()));
+        });
         writer.submit(path, 1, [] { return QByteArray("d"); });
         writer.flush();
-        QVERIFY(writer.lastError().contains(u"missing-folder"_s));
+        QVERIFY(writer.lastError().contains(u"blocker"_s));
         QCOMPARE(writer.writtenGeneration(path), 0u);
+        QCOMPARE(reports, QStringList{u"d.json 1 0"_s});
+    }
+
+    // A folder deleted while the application runs is made again at the next write; a file that
+    // went is written again though its data did not change.
+    void goneFoldersAndFilesAreWrittenAgain()
+    {
+        QTemporaryDir dir;
+        const QString folder = dir.filePath(u"data"_s);
+        const QString path = folder + u"/e.json"_s;
+        StoreWriter writer;
+        writer.submit(path, 1, [] { return QByteArray("e"); });
+        writer.flush();
+        QVERIFY(QDir(folder).removeRecursively());
+        writer.submit(path, 1, [] { return QByteArray("e"); });
+        writer.flush();
+        QCOMPARE(read(path), "e");
+        struct stat status
+        {};
+        QCOMPARE(::stat(QFile::encodeName(folder).constData(), &status), 0);
+        QCOMPARE(status.st_mode & 0777, mode_t(0700));
     }
 };
 

@@ -56,6 +56,10 @@ SQLEditorController::SQLEditorController(DataStore *store, Preferences *preferen
             Q_EMIT documentNameChanged();
         }
     });
+    connect(store, &DataStore::writeStateChanged, this, [this] {
+        if (m_hasUnsavedChanges)
+            clearUnsavedMarkWhenWritten();
+    });
     connect(preferences, &Preferences::editorFontSizeChanged, this, [this] {
         // A new size colours again at once; the text stays as it is.
         m_highlighter->setFontSize(m_preferences->editorFontSize());
@@ -240,7 +244,14 @@ void SQLEditorController::autoSave()
     syncNow();
     if (m_store)
         m_store->saveData();
-    setHasUnsavedChanges(false);
+    clearUnsavedMarkWhenWritten();
+}
+
+// The mark goes out only once the documents file really holds the text; a failed write keeps it.
+void SQLEditorController::clearUnsavedMarkWhenWritten()
+{
+    if (!m_dirty && (!m_store || m_store->areDocumentsWritten()))
+        setHasUnsavedChanges(false);
 }
 
 void SQLEditorController::setHasUnsavedChanges(bool value)
@@ -295,7 +306,7 @@ void SQLEditorController::saveVersion(const QString &note)
         note.isEmpty() ? localized(u"Version update", u"版本更新", u"バージョン更新") : note;
     m_store->saveVersion(m_store->selectedDocumentId(), chosen);
     m_store->saveData();
-    setHasUnsavedChanges(false);
+    clearUnsavedMarkWhenWritten();
 }
 
 void SQLEditorController::renameDocument(const QString &name)

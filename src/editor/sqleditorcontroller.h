@@ -100,6 +100,7 @@ private:
     void onContentsChange(int position, int removed, int added);
     void scheduleAutoSave(bool immediate);
     void autoSave();
+    void clearUnsavedMarkWhenWritten();
     void setHasUnsavedChanges(bool value);
     void updateDerived(const QString &text);
     [[nodiscard]] QString documentText() const;

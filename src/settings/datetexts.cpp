@@ -93,7 +93,9 @@ QString relativeTimeText(const QDateTime &date, const QDateTime &now, AppLanguag
     }
 
     icu::UnicodeString text;
-    formatters.relative->formatNumeric(past ? -double(amount) : double(amount), unit, text, status);
+    // Not -0: ICU reads it as past ("0 sec. ago"), where no time at all is "in 0 sec.".
+    formatters.relative->formatNumeric(past && amount != 0 ? -double(amount) : double(amount), unit, text,
+                                       status);
     return U_SUCCESS(status) ? toQString(text) : QString();
 }
 

@@ -29,6 +29,8 @@ private Q_SLOTS:
         QTest::newRow("en weeks ago") << -15 * day << AppLanguage::En << u"2 wk. ago"_s;
         QTest::newRow("en future") << 2 * hour << AppLanguage::En << u"in 2 hr."_s;
         QTest::newRow("en same moment") << qint64(0) << AppLanguage::En << u"in 0 sec."_s;
+        // Less than a second ago is still no whole second.
+        QTest::newRow("en a moment ago") << qint64(-1) << AppLanguage::En << u"in 0 sec."_s;
         QTest::newRow("zh minutes ago") << -5 * minute << AppLanguage::ZhHans << u"5分钟前"_s;
         QTest::newRow("zh days ago") << -2 * day << AppLanguage::ZhHans << u"2天前"_s;
         QTest::newRow("ja minutes ago") << -5 * minute << AppLanguage::Ja << u"5 分前"_s;
@@ -40,8 +42,10 @@ private Q_SLOTS:
         QFETCH(qint64, offsetSeconds);
         QFETCH(AppLanguage, language);
         QFETCH(QString, expected);
-        const QDateTime now(QDate(2026, 11, 23), QTime(12, 0, 0), Qt::UTC);
-        QCOMPARE(plain(relativeTimeText(now.addSecs(offsetSeconds), now, language)), expected);
+        const QDateTime now(QDate(2026, 11, 23), QTime(12, 0, 0, 900), Qt::UTC);
+        // Offsets of -1 stand for 800 ms in the past.
+        const QDateTime date = offsetSeconds == -1 ? now.addMSecs(-800) : now.addSecs(offsetSeconds);
+        QCOMPARE(plain(relativeTimeText(date, now, language)), expected);
     }
 
     void absolute_data()

@@ -127,7 +127,7 @@ Rectangle {
         Rectangle {
             Layout.fillWidth: true
             Layout.preferredHeight: 1
-            color: Theme.alpha(Theme.separator, Theme.separator.a * 0.5)
+            color: Theme.withOpacity(Theme.separator, 0.5)
         }
 
         // The conversation
@@ -157,12 +157,12 @@ Rectangle {
                     width: 64
                     height: 64
                     radius: 32
-                    color: Theme.alpha(Theme.purple, 0.08)
+                    color: Theme.withOpacity(Theme.purple, 0.08)
 
                     Icon {
                         anchors.centerIn: parent
                         name: "wand.and.stars"
-                        color: Theme.alpha(Theme.purple, 0.5)
+                        color: Theme.withOpacity(Theme.purple, 0.5)
                         size: 26
                     }
                 }
@@ -191,7 +191,7 @@ Rectangle {
                     width: Math.min(notice.implicitWidth + 24, parent.width)
                     height: notice.implicitHeight + 12
                     radius: 6
-                    color: Theme.alpha(Theme.orange, 0.1)
+                    color: Theme.withOpacity(Theme.orange, 0.1)
                     Accessible.role: Accessible.StaticText
                     Accessible.name: noticeText.text
 
@@ -378,21 +378,21 @@ Rectangle {
                     Icon {
                         anchors.verticalCenter: parent.verticalCenter
                         name: "chevron.down"
-                        color: Theme.alpha(Theme.label, 0.7)
+                        color: Theme.withOpacity(Theme.label, 0.7)
                         size: 10
                     }
                     Label {
                         anchors.verticalCenter: parent.verticalCenter
                         text: scrollDown.text
                         font.pixelSize: Theme.caption2Size
-                        color: Theme.alpha(Theme.label, 0.7)
+                        color: Theme.withOpacity(Theme.label, 0.7)
                     }
                 }
                 background: Rectangle {
                     radius: height / 2
                     color: Theme.controlBackground
                     border.width: scrollDown.visualFocus ? 2 : 1
-                    border.color: scrollDown.visualFocus ? Theme.alpha(Theme.cyan, 0.8) : Theme.separator
+                    border.color: scrollDown.visualFocus ? Theme.withOpacity(Theme.cyan, 0.8) : Theme.separator
                 }
             }
         }
@@ -479,7 +479,7 @@ Rectangle {
                             radius: 10
                             color: Theme.controlBackground
                             border.width: input.activeFocus ? 1 : 0
-                            border.color: Theme.alpha(Theme.purple, 0.5)
+                            border.color: Theme.withOpacity(Theme.purple, 0.5)
                         }
                         // Return sends; Shift+Return starts a new line.
                         Keys.onPressed: event => {

@@ -52,9 +52,9 @@ Rectangle {
         }
         background: Rectangle {
             radius: 4
-            color: headerButton.hovered ? Theme.alpha(Theme.label, 0.06) : "transparent"
+            color: headerButton.hovered ? Theme.withOpacity(Theme.label, 0.06) : "transparent"
             border.width: headerButton.visualFocus ? 2 : 0
-            border.color: Theme.alpha(Theme.cyan, 0.8)
+            border.color: Theme.withOpacity(Theme.cyan, 0.8)
         }
     }
 
@@ -92,7 +92,7 @@ Rectangle {
         y: 1
         width: parent.width - 2
         height: headerRow.implicitHeight + 12
-        color: Theme.alpha(Theme.windowBackground, 0.6)
+        color: Theme.withOpacity(Theme.windowBackground, 0.6)
 
         Label {
             anchors.left: parent.left
@@ -159,7 +159,7 @@ Rectangle {
             font.family: Theme.monospaceFamily
             font.pointSize: Theme.codePointSize
             color: Theme.label
-            selectionColor: Theme.alpha(Theme.cyan, 0.35)
+            selectionColor: Theme.withOpacity(Theme.cyan, 0.35)
             selectedTextColor: Theme.label
         }
     }

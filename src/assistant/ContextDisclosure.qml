@@ -48,7 +48,7 @@ ColumnLayout {
             radius: 3
             color: "transparent"
             border.width: toggle.visualFocus ? 1 : 0
-            border.color: Theme.alpha(Theme.cyan, 0.8)
+            border.color: Theme.withOpacity(Theme.cyan, 0.8)
         }
     }
 
@@ -92,7 +92,7 @@ ColumnLayout {
                         font.family: Theme.monospaceFamily
                         font.pixelSize: Theme.captionSize
                         color: Theme.secondaryLabel
-                        selectionColor: Theme.alpha(Theme.cyan, 0.35)
+                        selectionColor: Theme.withOpacity(Theme.cyan, 0.35)
                     }
                 }
             }

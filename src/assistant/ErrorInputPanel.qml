@@ -17,7 +17,7 @@ Rectangle {
     signal closeRequested
 
     implicitHeight: column.implicitHeight + 24
-    color: Theme.alpha(Theme.orange, 0.05)
+    color: Theme.withOpacity(Theme.orange, 0.05)
 
     ColumnLayout {
         id: column
@@ -69,7 +69,7 @@ Rectangle {
                     radius: 8
                     color: Theme.controlBackground
                     border.width: 1
-                    border.color: Theme.alpha(Theme.orange, errorField.activeFocus ? 0.9 : 0.5)
+                    border.color: Theme.withOpacity(Theme.orange, errorField.activeFocus ? 0.9 : 0.5)
                 }
                 Keys.onPressed: event => {
                     if ((event.key === Qt.Key_Return || event.key === Qt.Key_Enter)

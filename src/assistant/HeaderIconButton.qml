@@ -33,9 +33,9 @@ AbstractButton {
     }
     background: Rectangle {
         radius: button.circled ? width / 2 : 5
-        color: button.circled ? Theme.alpha(Theme.controlBackground, button.hovered ? 1 : 0.8)
-                              : button.hovered ? Theme.alpha(Theme.label, 0.06) : "transparent"
+        color: button.circled ? Theme.withOpacity(Theme.controlBackground, button.hovered ? 1 : 0.8)
+                              : button.hovered ? Theme.withOpacity(Theme.label, 0.06) : "transparent"
         border.width: button.visualFocus ? 2 : 0
-        border.color: Theme.alpha(Theme.cyan, 0.8)
+        border.color: Theme.withOpacity(Theme.cyan, 0.8)
     }
 }

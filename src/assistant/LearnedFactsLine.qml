@@ -67,7 +67,7 @@ Column {
                     radius: 3
                     color: "transparent"
                     border.width: parent.visualFocus ? 1 : 0
-                    border.color: Theme.alpha(Theme.cyan, 0.8)
+                    border.color: Theme.withOpacity(Theme.cyan, 0.8)
                 }
                 onClicked: line.undoRequested(fact.modelData.itemId)
             }

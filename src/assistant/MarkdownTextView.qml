@@ -15,7 +15,7 @@ TextEdit {
     wrapMode: TextEdit.Wrap
     font.pixelSize: Theme.bodySize
     color: Theme.label
-    selectionColor: Theme.alpha(Theme.cyan, 0.35)
+    selectionColor: Theme.withOpacity(Theme.cyan, 0.35)
     selectedTextColor: Theme.label
 
     onLinkActivated: link => ReplyLinks.open(link)

@@ -43,7 +43,7 @@ Item {
             padding: 12
             font.pixelSize: Theme.bodySize
             color: "white"
-            selectionColor: Theme.alpha("white", 0.35)
+            selectionColor: Theme.withOpacity("white", 0.35)
             selectedTextColor: "white"
         }
     }

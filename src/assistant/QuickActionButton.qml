@@ -21,7 +21,7 @@ AbstractButton {
             return Theme.cyan
         }
     }
-    readonly property color foreground: enabled ? modeColor : Theme.alpha(Theme.secondaryLabel, 0.5)
+    readonly property color foreground: enabled ? modeColor : Theme.withOpacity(Theme.secondaryLabel, 0.5)
 
     enabled: !isDisabled
     focusPolicy: Qt.StrongFocus
@@ -53,10 +53,10 @@ AbstractButton {
 
     background: Rectangle {
         radius: 6
-        color: button.enabled ? Theme.alpha(button.modeColor, button.hovered ? 0.16 : 0.1)
-                              : Theme.alpha(Theme.controlBackground, 0.5)
+        color: button.enabled ? Theme.withOpacity(button.modeColor, button.hovered ? 0.16 : 0.1)
+                              : Theme.withOpacity(Theme.controlBackground, 0.5)
         border.width: button.visualFocus ? 2 : 1
-        border.color: button.visualFocus ? Theme.alpha(Theme.cyan, 0.8)
-                                         : button.enabled ? Theme.alpha(button.modeColor, 0.3) : "transparent"
+        border.color: button.visualFocus ? Theme.withOpacity(Theme.cyan, 0.8)
+                                         : button.enabled ? Theme.withOpacity(button.modeColor, 0.3) : "transparent"
     }
 }

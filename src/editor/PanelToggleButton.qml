@@ -28,10 +28,10 @@ AbstractButton {
 
     background: Rectangle {
         radius: 5
-        color: button.isActive ? Theme.alpha(button.activeColor, 0.15)
-                               : button.hovered ? Theme.alpha(Theme.label, 0.06) : "transparent"
+        color: button.isActive ? Theme.withOpacity(button.activeColor, 0.15)
+                               : button.hovered ? Theme.withOpacity(Theme.label, 0.06) : "transparent"
         border.width: button.visualFocus ? 2 : 0
-        border.color: Theme.alpha(Theme.cyan, 0.8)
+        border.color: Theme.withOpacity(Theme.cyan, 0.8)
     }
 
     contentItem: Item {

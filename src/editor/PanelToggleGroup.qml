@@ -17,7 +17,7 @@ Rectangle {
     implicitWidth: row.implicitWidth + 6
     implicitHeight: row.implicitHeight + 6
     radius: 8
-    color: Theme.alpha(Theme.controlBackground, 0.6)
+    color: Theme.withOpacity(Theme.controlBackground, 0.6)
     border.color: Theme.separator
 
     Row {

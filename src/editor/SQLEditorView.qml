@@ -65,7 +65,7 @@ Rectangle {
         Rectangle {
             Layout.fillWidth: true
             Layout.preferredHeight: toolbar.implicitHeight + 20
-            color: Theme.alpha(Theme.windowBackground, 0.95)
+            color: Theme.withOpacity(Theme.windowBackground, 0.95)
 
             RowLayout {
                 id: toolbar
@@ -119,7 +119,7 @@ Rectangle {
                     bottomPadding: 4
                     background: Rectangle {
                         radius: 4
-                        color: Theme.alpha(Theme.controlBackground, 0.5)
+                        color: Theme.withOpacity(Theme.controlBackground, 0.5)
                     }
                 }
                 AbstractButton {
@@ -157,7 +157,7 @@ Rectangle {
                     bottomPadding: 6
                     background: Rectangle {
                         radius: 6
-                        color: Theme.alpha(Theme.cyan, formatButton.hovered ? 0.18 : 0.1)
+                        color: Theme.withOpacity(Theme.cyan, formatButton.hovered ? 0.18 : 0.1)
                         border.width: formatButton.visualFocus ? 2 : 0
                         border.color: Theme.cyan
                     }
@@ -196,7 +196,7 @@ Rectangle {
                     bottomPadding: 6
                     background: Rectangle {
                         radius: 6
-                        color: Theme.alpha(Theme.gray, 0.3)
+                        color: Theme.withOpacity(Theme.gray, 0.3)
                         border.width: saveButton.visualFocus ? 2 : 0
                         border.color: Theme.label
                         gradient: saveButton.enabled ? enabledGradient : null

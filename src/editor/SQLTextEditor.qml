@@ -23,7 +23,7 @@ ScrollView {
         font.family: Theme.monospaceFamily
         font.pointSize: editor.controller.fontSize
         color: Theme.label
-        selectionColor: Theme.alpha(Theme.cyan, 0.35)
+        selectionColor: Theme.withOpacity(Theme.cyan, 0.35)
         selectedTextColor: Theme.label
         leftPadding: 12
         rightPadding: 12

@@ -43,7 +43,7 @@ SheetFrame {
                 width: 40
                 height: 40
                 radius: 20
-                color: Theme.alpha(Theme.green, 0.12)
+                color: Theme.withOpacity(Theme.green, 0.12)
 
                 Icon {
                     anchors.centerIn: parent
@@ -95,10 +95,10 @@ SheetFrame {
                     KeyNavigation.tab: cancelButton
                     background: Rectangle {
                         radius: 8
-                        color: Theme.alpha(Theme.controlBackground, 0.5)
+                        color: Theme.withOpacity(Theme.controlBackground, 0.5)
                         border.width: noteField.activeFocus ? 2 : 1
-                        border.color: noteField.activeFocus ? Theme.alpha(Theme.green, 0.7)
-                                                            : Theme.alpha(Theme.separator, 0.5)
+                        border.color: noteField.activeFocus ? Theme.withOpacity(Theme.green, 0.7)
+                                                            : Theme.withOpacity(Theme.separator, 0.5)
                     }
                 }
             }

@@ -22,6 +22,6 @@ TextField {
         radius: 6
         color: Theme.textBackground
         border.width: field.activeFocus ? 2 : 1
-        border.color: field.activeFocus ? Theme.alpha(Theme.cyan, 0.7) : Theme.separator
+        border.color: field.activeFocus ? Theme.withOpacity(Theme.cyan, 0.7) : Theme.separator
     }
 }

@@ -104,7 +104,7 @@ SheetFrame {
                     radius: 6
                     color: Theme.textBackground
                     border.width: categoryPicker.visualFocus ? 2 : 1
-                    border.color: categoryPicker.visualFocus ? Theme.alpha(Theme.purple, 0.7) : Theme.separator
+                    border.color: categoryPicker.visualFocus ? Theme.withOpacity(Theme.purple, 0.7) : Theme.separator
                 }
                 popup.background: Rectangle {
                     radius: 6
@@ -120,7 +120,7 @@ SheetFrame {
                     width: categoryPicker.width
                     highlighted: categoryPicker.highlightedIndex === index
                     background: Rectangle {
-                        color: choice.highlighted ? Theme.alpha(Theme.purple, 0.25) : "transparent"
+                        color: choice.highlighted ? Theme.withOpacity(Theme.purple, 0.25) : "transparent"
                     }
                     contentItem: RowLayout {
                         spacing: 6
@@ -169,9 +169,9 @@ SheetFrame {
                     onTextChanged: sheet.localContent = text
                     background: Rectangle {
                         radius: 8
-                        color: Theme.alpha(Theme.controlBackground, 0.5)
+                        color: Theme.withOpacity(Theme.controlBackground, 0.5)
                         border.width: contentField.activeFocus ? 2 : 1
-                        border.color: contentField.activeFocus ? Theme.alpha(Theme.purple, 0.7) : Theme.separator
+                        border.color: contentField.activeFocus ? Theme.withOpacity(Theme.purple, 0.7) : Theme.separator
                     }
                 }
             }

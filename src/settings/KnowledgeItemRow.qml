@@ -19,7 +19,7 @@ Rectangle {
 
     implicitHeight: layout.implicitHeight + 12
     radius: 6
-    color: Theme.alpha(Theme.textBackground, 0.5)
+    color: Theme.withOpacity(Theme.textBackground, 0.5)
 
     RowLayout {
         id: layout
@@ -79,7 +79,7 @@ Rectangle {
             implicitHeight: 20
             iconName: "trash"
             iconSize: Theme.caption2Size + 1
-            tint: Theme.alpha(Theme.red, 0.6)
+            tint: Theme.withOpacity(Theme.red, 0.6)
             text: "删除"
             onClicked: row.deleteRequested()
         }

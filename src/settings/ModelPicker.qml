@@ -121,8 +121,8 @@ FormTextField {
                 }
                 background: Rectangle {
                     radius: 4
-                    color: entry.highlighted ? Theme.alpha(Theme.blue, 0.25)
-                                             : entry.hovered ? Theme.alpha(Theme.label, 0.06) : "transparent"
+                    color: entry.highlighted ? Theme.withOpacity(Theme.blue, 0.25)
+                                             : entry.hovered ? Theme.withOpacity(Theme.label, 0.06) : "transparent"
                 }
             }
         }

@@ -17,7 +17,7 @@ Rectangle {
     implicitHeight: 26
     implicitWidth: row.implicitWidth + 4
     radius: 7
-    color: Theme.alpha(Theme.label, 0.06)
+    color: Theme.withOpacity(Theme.label, 0.06)
     border.color: Theme.separator
     Accessible.role: Accessible.PageTabList
     Accessible.name: accessibleName
@@ -77,9 +77,9 @@ Rectangle {
                 background: Rectangle {
                     radius: 5
                     color: segment.isCurrent ? Theme.textBackground
-                                             : segment.hovered ? Theme.alpha(Theme.label, 0.05) : "transparent"
+                                             : segment.hovered ? Theme.withOpacity(Theme.label, 0.05) : "transparent"
                     border.width: segment.visualFocus ? 2 : (segment.isCurrent ? 1 : 0)
-                    border.color: segment.visualFocus ? Theme.alpha(Theme.cyan, 0.8) : Theme.separator
+                    border.color: segment.visualFocus ? Theme.withOpacity(Theme.cyan, 0.8) : Theme.separator
                 }
             }
         }

@@ -135,7 +135,7 @@ ColumnLayout {
                     visible: keyField.hasKey
                     iconName: "trash"
                     iconSize: 11
-                    tint: Theme.alpha(Theme.red, 0.7)
+                    tint: Theme.withOpacity(Theme.red, 0.7)
                     text: Tr.t("Remove Key", "移除密钥", "キーを削除")
                     onClicked: form.controller.setApiKey("")
                 }

@@ -15,7 +15,7 @@ Rectangle {
     Layout.fillWidth: true
     implicitHeight: column.implicitHeight + 24
     radius: 10
-    color: Theme.alpha(Theme.controlBackground, 0.7)
+    color: Theme.withOpacity(Theme.controlBackground, 0.7)
     border.color: Theme.separator
     border.width: 1
 

@@ -34,9 +34,9 @@ Rectangle {
             }
         }
         background: Rectangle {
-            color: tab.checked ? Theme.alpha(Theme.label, 0.06) : "transparent"
+            color: tab.checked ? Theme.withOpacity(Theme.label, 0.06) : "transparent"
             border.width: tab.visualFocus ? 2 : 0
-            border.color: Theme.alpha(Theme.cyan, 0.8)
+            border.color: Theme.withOpacity(Theme.cyan, 0.8)
             radius: 6
         }
     }

@@ -82,17 +82,17 @@ Item {
 
         background: Rectangle {
             radius: 8
-            color: row.isSelected ? Theme.alpha(Theme.cyan, 0.15)
-                                  : row.isHovered ? Theme.alpha(Theme.controlBackground, 0.5) : "transparent"
+            color: row.isSelected ? Theme.withOpacity(Theme.cyan, 0.15)
+                                  : row.isHovered ? Theme.withOpacity(Theme.controlBackground, 0.5) : "transparent"
             border.width: row.isSelected && row.listHasFocus ? 1 : 0
-            border.color: Theme.alpha(Theme.cyan, 0.7)
+            border.color: Theme.withOpacity(Theme.cyan, 0.7)
 
             // The hover fill on the sidebar's own colour needs a visible edge of its own.
             Rectangle {
                 anchors.fill: parent
                 radius: 8
                 visible: row.isHovered && !row.isSelected
-                color: Theme.alpha(Theme.label, 0.05)
+                color: Theme.withOpacity(Theme.label, 0.05)
             }
         }
 
@@ -106,7 +106,7 @@ Item {
                 width: 28
                 height: 28
                 radius: 6
-                color: row.isSelected ? Theme.alpha(Theme.cyan, 0.2) : Theme.controlBackground
+                color: row.isSelected ? Theme.withOpacity(Theme.cyan, 0.2) : Theme.controlBackground
                 border.width: row.isSelected ? 0 : 1
                 border.color: Theme.separator
 

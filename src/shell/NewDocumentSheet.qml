@@ -68,9 +68,9 @@ SheetFrame {
                 onAccepted: sheet.create()
                 background: Rectangle {
                     radius: 8
-                    color: Theme.alpha(Theme.controlBackground, 0.5)
+                    color: Theme.withOpacity(Theme.controlBackground, 0.5)
                     border.width: nameField.activeFocus ? 2 : 1
-                    border.color: nameField.activeFocus ? Theme.alpha(Theme.cyan, 0.7) : Theme.alpha(Theme.separator, 0.5)
+                    border.color: nameField.activeFocus ? Theme.withOpacity(Theme.cyan, 0.7) : Theme.withOpacity(Theme.separator, 0.5)
                 }
             }
         }

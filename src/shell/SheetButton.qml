@@ -25,9 +25,9 @@ Button {
     background: Rectangle {
         radius: 7
         color: button.prominent ? (button.down ? Qt.darker(button.tint, 1.15) : button.tint)
-                                : (button.down ? Theme.alpha(Theme.label, 0.12) : Theme.alpha(Theme.label, 0.06))
+                                : (button.down ? Theme.withOpacity(Theme.label, 0.12) : Theme.withOpacity(Theme.label, 0.06))
         border.width: button.visualFocus ? 2 : (button.prominent ? 0 : 1)
-        border.color: button.visualFocus ? Theme.alpha(Theme.cyan, 0.8) : Theme.separator
+        border.color: button.visualFocus ? Theme.withOpacity(Theme.cyan, 0.8) : Theme.separator
         opacity: button.enabled ? 1 : 0.6
     }
 }

@@ -136,9 +136,9 @@ Rectangle {
                 width: parent.width - 24
                 height: 30
                 radius: 8
-                color: Theme.alpha(Theme.textBackground, 0.5)
+                color: Theme.withOpacity(Theme.textBackground, 0.5)
                 border.width: searchField.activeFocus ? 2 : 0
-                border.color: Theme.alpha(Theme.cyan, 0.6)
+                border.color: Theme.withOpacity(Theme.cyan, 0.6)
 
                 Icon {
                     x: 10
@@ -289,7 +289,7 @@ Rectangle {
                 }
                 background: Rectangle {
                     radius: 6
-                    color: newButton.hovered ? Theme.alpha(Theme.cyan, 0.1) : "transparent"
+                    color: newButton.hovered ? Theme.withOpacity(Theme.cyan, 0.1) : "transparent"
                     border.width: newButton.visualFocus ? 2 : 0
                     border.color: Theme.cyan
                 }

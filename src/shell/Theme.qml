@@ -14,13 +14,14 @@ QtObject {
 
     // System colours
     readonly property color windowBackground: palette.window
-    readonly property color controlBackground: dark ? Qt.lighter(palette.window, 1.15) : Qt.darker(palette.window, 1.015)
+    // Lighter than the window in both modes, as controls stand out of it.
+    readonly property color controlBackground: dark ? Qt.lighter(palette.window, 1.15) : palette.base
     readonly property color textBackground: palette.base
     readonly property color label: palette.windowText
-    readonly property color secondaryLabel: alpha(palette.windowText, 0.55)
-    readonly property color tertiaryLabel: alpha(palette.windowText, 0.32)
-    readonly property color quaternaryLabel: alpha(palette.windowText, 0.16)
-    readonly property color separator: alpha(palette.windowText, dark ? 0.22 : 0.14)
+    readonly property color secondaryLabel: withOpacity(palette.windowText, 0.55)
+    readonly property color tertiaryLabel: withOpacity(palette.windowText, 0.32)
+    readonly property color quaternaryLabel: withOpacity(palette.windowText, 0.16)
+    readonly property color separator: withOpacity(palette.windowText, dark ? 0.22 : 0.14)
 
     // Accent colours, light and dark forms of the system's own
     readonly property color cyan: dark ? "#64d2ff" : "#32ade6"
@@ -43,8 +44,8 @@ QtObject {
     // Code in replies and sheets; in points, as the colouring formats carry their size.
     readonly property real codePointSize: 9
 
-    // `c` with its alpha set to `a`.
-    function alpha(c: color, a: real): color {
-        return Qt.rgba(c.r, c.g, c.b, a)
+    // `c` drawn at `opacity`: its own alpha multiplied, as a view's opacity would.
+    function withOpacity(c: color, opacity: real): color {
+        return Qt.rgba(c.r, c.g, c.b, c.a * opacity)
     }
 }

@@ -6,7 +6,7 @@ TestCase {
     id: testCase
 
     name: "ContentView"
-    width: 1000
+    width: 1500
     height: 600
     visible: true
     when: windowShown
@@ -23,21 +23,60 @@ TestCase {
     Component {
         id: bannerComponent
 
-        SetAsideBanner {
+        StoreNoticeBanner {
             files: ["/home/u/.local/share/Varnholt/sql_documents.json.damaged-20261122T101500Z"]
+            recoveredFiles: []
+            lockHolder: ""
+            saveFailure: ""
+            dataDirectory: "/home/u/.local/share/Varnholt"
         }
     }
+    SignalSpy {
+        id: bannerSpy
+    }
 
-    function test_setAsideBannerNamesTheFileUntilDismissed() {
+    // Kept files can be dismissed; a failed write and another holder of the folder stay while
+    // they hold, and offer what can be done.
+    function test_storeNotices() {
         const banner = createTemporaryObject(bannerComponent, testCase)
         verify(banner.visible)
-        const dismiss = findChild(banner, "dismissButton")
-        mouseClick(dismiss)
+        verify(findChild(banner, "keptFilesNotice").visible)
+        mouseClick(findChild(banner, "dismissButton"))
         verify(!banner.visible)
-        const empty = createTemporaryObject(bannerComponent, testCase, {
-            "files": []
-        })
+
+        banner.saveFailure = "cannot write /home/u/.local/share/Varnholt/.sql_documents.json: No space left on device"
+        verify(banner.visible)
+        verify(findChild(banner, "saveFailureNotice").visible)
+        bannerSpy.target = banner
+        bannerSpy.signalName = "retryRequested"
+        bannerSpy.clear()
+        mouseClick(findChild(banner, "retryButton"))
+        compare(bannerSpy.count, 1)
+        banner.saveFailure = ""
+        verify(!banner.visible)
+
+        banner.lockHolder = "varnholt (PID 4242, desk)"
+        verify(banner.visible)
+        verify(findChild(banner, "lockNotice").visible)
+
+        const empty = createTemporaryObject(bannerComponent, testCase, {"files": []})
         verify(!empty.visible)
+    }
+
+    // In a window wide enough, a drag stops the panel at 500.
+    function test_panelCapInAWideWindow() {
+        const content = createTemporaryObject(contentComponent, testCase, {width: 1500})
+        compare(content.dividerMaxWidth, 500)
+        content.setShowVersionHistory(true)
+        tryCompare(content, "panelShownWidth", 320, 1000)
+        const divider = content.divider
+        mousePress(divider, 2, 300)
+        for (let x = 0; x > -400; x -= 40) {
+            mouseMove(divider, 2 + x, 300)
+            wait(20)
+        }
+        mouseRelease(divider, 2 - 400, 300)
+        compare(content.rightPanelWidth, 500)
     }
 
     function test_widthsAtTheMinimumWindow() {

@@ -38,6 +38,9 @@ Item {
     readonly property alias controller: controller
     readonly property alias divider: divider
 
+    // The user asked to keep what the store cannot write, somewhere else.
+    signal exportRequested
+
     function setShowVersionHistory(show: bool) {
         rightPanel = show ? ContentView.RightPanelType.VersionHistory : ContentView.RightPanelType.None
     }
@@ -167,10 +170,17 @@ Item {
         }
     }
 
-    SetAsideBanner {
+    StoreNoticeBanner {
+        objectName: "storeNoticeBanner"
         anchors.horizontalCenter: parent.horizontalCenter
         anchors.top: parent.top
         anchors.topMargin: 12
         files: DataStore.setAsideFiles
+        recoveredFiles: DataStore.recoveredFiles
+        lockHolder: DataStore.lockHolder
+        saveFailure: DataStore.saveFailure
+        dataDirectory: DataStore.dataDirectory
+        onRetryRequested: DataStore.retrySaving()
+        onExportRequested: content.exportRequested()
     }
 }

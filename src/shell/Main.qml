@@ -9,6 +9,8 @@ ApplicationWindow {
 
     // Set by the first close request; the second one closes at once.
     property bool isClosingWithAnimation: false
+    // The user chose to go without what the store could not write.
+    property bool mayLeaveUnwritten: false
 
     width: 1200
     height: 750
@@ -74,8 +76,24 @@ ApplicationWindow {
         settings.requestActivate()
     }
 
+    // Goes on with what the user asked for (closing, or quitting) once nothing unwritten stops it.
+    function finishClosing() {
+        if (AppCommands.isQuitting())
+            AppCommands.quit()
+        else
+            window.close()
+    }
+
     onClosing: close => {
         windowState.save(window)
+        // Ended from outside: nobody to ask, the delegate keeps what is unwritten elsewhere.
+        if (AppCommands.isEnding())
+            return
+        if (!window.isClosingWithAnimation && !window.mayLeaveUnwritten && !DataStore.saveAndWait()) {
+            close.accepted = false
+            unwrittenSheet.open()
+            return
+        }
         // Quitting ends at once; only closing the window fades.
         if (window.isClosingWithAnimation || AppCommands.isQuitting())
             return
@@ -144,6 +162,42 @@ ApplicationWindow {
         onAccepted: transfer.exportSelectedDocument(selectedFile)
     }
 
+    UnwrittenDataSheet {
+        id: unwrittenSheet
+
+        reason: DataStore.isReadOnly ? DataStore.lockHolder : DataStore.saveFailure
+        dataDirectory: DataStore.dataDirectory
+        onExportRequested: exportFolderDialog.open()
+        onRetryRequested: {
+            if (DataStore.saveAndWait()) {
+                close()
+                window.finishClosing()
+            }
+        }
+        onDiscardRequested: {
+            AppCommands.discardUnwritten()
+            window.mayLeaveUnwritten = true
+            close()
+            window.finishClosing()
+        }
+    }
+
+    // Where what the store cannot write goes instead.
+    FolderDialog {
+        id: exportFolderDialog
+
+        title: Tr.t("Export Data To", "导出数据到", "データの書き出し先")
+        onAccepted: {
+            const error = DataStore.exportToFolder(selectedFolder)
+            unwrittenSheet.exportError = error
+            if (error.length === 0 && unwrittenSheet.opened) {
+                window.mayLeaveUnwritten = true
+                unwrittenSheet.close()
+                window.finishClosing()
+            }
+        }
+    }
+
     TransferProblemsSheet {
         id: problemsSheet
 
@@ -167,6 +221,7 @@ ApplicationWindow {
         id: content
 
         anchors.fill: parent
+        onExportRequested: exportFolderDialog.open()
         rightPanel: windowState.rightPanel()
         onRightPanelChanged: windowState.setRightPanel(rightPanel)
     }

@@ -8,6 +8,8 @@
 namespace {
 
 bool quitting = false;
+bool ending = false;
+bool discarding = false;
 
 } // namespace
 
@@ -37,4 +39,25 @@ void AppCommands::quit()
 bool AppCommands::isQuitting()
 {
     return quitting;
+}
+
+void AppCommands::endNow()
+{
+    ending = true;
+    QCoreApplication::quit();
+}
+
+bool AppCommands::isEnding()
+{
+    return ending;
+}
+
+void AppCommands::discardUnwritten()
+{
+    discarding = true;
+}
+
+bool AppCommands::isDiscardingUnwritten()
+{
+    return discarding;
 }

@@ -19,8 +19,15 @@ public:
     // Takes a version of the selected document with the quick-save note; nothing if none is
     // selected.
     Q_INVOKABLE void quickSave();
-    // Ends the application now, without the close fade; the delegate saves as it ends.
+    // Ends the application without the close fade, once what is unwritten has been dealt with;
+    // the delegate saves as it ends.
     Q_INVOKABLE static void quit();
-    // Quit was asked for (by the menu, or by a signal from outside).
+    // Quit was asked for from the menu.
     Q_INVOKABLE [[nodiscard]] static bool isQuitting();
+    // Ends the application now and asks nothing: a signal from outside, the session ending.
+    static void endNow();
+    Q_INVOKABLE [[nodiscard]] static bool isEnding();
+    // The user chose to end without what could not be written.
+    Q_INVOKABLE static void discardUnwritten();
+    [[nodiscard]] static bool isDiscardingUnwritten();
 };

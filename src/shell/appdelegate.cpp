@@ -3,13 +3,18 @@
 #include "appcommands.h"
 #include "datastore.h"
 
+#include <QDateTime>
+#include <QDir>
 #include <QGuiApplication>
 #include <QSessionManager>
 #include <QSocketNotifier>
 
 #include <csignal>
+#include <cstdio>
 #include <fcntl.h>
 #include <unistd.h>
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -45,6 +50,25 @@ void AppDelegate::saveStore()
     DataStore *store = DataStore::shared();
     store->saveData();
     store->flush();
+    if (store->hasUnwrittenChanges() && !AppCommands::isDiscardingUnwritten())
+        keepUnwrittenElsewhere(store);
+}
+
+// Nobody can be asked as the application ends from outside: what the data folder did not take
+// goes to a folder of its own in the home folder (or the temporary folder), and stderr says where.
+void AppDelegate::keepUnwrittenElsewhere(DataStore *store)
+{
+    const QString name = u"Varnholt unsaved %1"_s.arg(QDateTime::currentDateTime().toString(u"yyyy-MM-dd HHmmss"_s));
+    for (const QString &base : {QDir::homePath(), QDir::tempPath()}) {
+        const QString folder = base + u'/' + name;
+        if (store->exportTo(folder).isEmpty()) {
+            std::fprintf(stderr, "varnholt: changes could not be saved to %s (%s); a copy of all data is in %s\n",
+                         qPrintable(store->dataDirectory()), qPrintable(store->saveFailure()), qPrintable(folder));
+            return;
+        }
+    }
+    std::fprintf(stderr, "varnholt: changes could not be saved to %s (%s), nor copied elsewhere\n",
+                 qPrintable(store->dataDirectory()), qPrintable(store->saveFailure()));
 }
 
 void AppDelegate::installSignalHandlers()
@@ -56,7 +80,7 @@ void AppDelegate::installSignalHandlers()
         char buffer[16];
         while (::read(signalPipe[0], buffer, sizeof buffer) > 0) {
         }
-        AppCommands::quit(); // aboutToQuit saves
+        AppCommands::endNow(); // aboutToQuit saves
     });
     struct sigaction action
     {};

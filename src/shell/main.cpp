@@ -10,12 +10,16 @@
 #include <QWindow>
 #include <QtQml/qqmlextensionplugin.h>
 
+#include <sys/stat.h>
+
 using namespace Qt::StringLiterals;
 
 Q_IMPORT_QML_PLUGIN(VarnholtPlugin)
 
 int main(int argc, char *argv[])
 {
+    // Everything the application makes is its user's alone: data, settings, exports' folders.
+    ::umask(::umask(0) | 077);
     QGuiApplication app(argc, argv);
     // No organisation name: it would become part of the data folder's path.
     QGuiApplication::setApplicationName(u"Varnholt"_s);

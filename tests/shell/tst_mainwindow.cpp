@@ -20,6 +20,7 @@
 #include <QtQml/qqmlextensionplugin.h>
 
 #include <csignal>
+#include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
 
@@ -160,6 +161,40 @@ private Q_SLOTS:
         QFile file(m_home.dataFolder() + u"/sql_documents.json"_s);
         QVERIFY(file.open(QIODevice::ReadOnly));
         QVERIFY(file.readAll().contains("saved at quit"));
+    }
+
+    // The real program under an open umask keeps its folders and files private; ended from
+    // outside while its data folder refuses the documents file, it leaves a copy of everything in
+    // the home folder and says where.
+    void privateFilesAndACopyOfWhatCouldNotBeWritten()
+    {
+        ScratchHome home; // the child process inherits this home
+        QProcess app;
+        app.setChildProcessModifier([] { ::umask(0); });
+        app.start(QStringLiteral(VARNHOLT_EXECUTABLE), {});
+        QVERIFY(app.waitForStarted());
+        const QString settings = home.path() + u"/config/Varnholt/Varnholt.conf"_s;
+        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(settings), 15000);
+        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(home.dataFolder() + u"/sql_documents.json"_s), 15000);
+        struct stat status
+        {};
+        QCOMPARE(::stat(QFile::encodeName(home.dataFolder()).constData(), &status), 0);
+        QCOMPARE(status.st_mode & 0777, mode_t(0700));
+        QCOMPARE(::stat(QFile::encodeName(settings).constData(), &status), 0);
+        QCOMPARE(status.st_mode & 0777, mode_t(0600));
+        QCOMPARE(::stat(QFile::encodeName(QFileInfo(settings).path()).constData(), &status), 0);
+        QCOMPARE(status.st_mode & 0777, mode_t(0700));
+
+        // A folder where the documents file should be: the last save at the end cannot write it.
+        QVERIFY(QFile::remove(home.dataFolder() + u"/sql_documents.json"_s));
+        QVERIFY(QDir().mkpath(home.dataFolder() + u"/sql_documents.json"_s));
+        ::kill(pid_t(app.processId()), SIGTERM);
+        QVERIFY(app.waitForFinished(10000));
+        QCOMPARE(app.exitCode(), 0);
+        const QStringList copies = QDir(home.path()).entryList({u"Varnholt unsaved *"_s}, QDir::Dirs);
+        QCOMPARE(copies.size(), 1);
+        QVERIFY(QFile::exists(home.path() + u'/' + copies.first() + u"/sql_documents.json"_s));
+        QVERIFY(app.readAllStandardError().contains("a copy of all data is in"));
     }
 
     // The real program, ended from outside: the collections it has never written (the store

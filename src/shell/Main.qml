@@ -165,6 +165,7 @@ ApplicationWindow {
     UnwrittenDataSheet {
         id: unwrittenSheet
 
+        objectName: "unwrittenSheet"
         reason: DataStore.isReadOnly ? DataStore.lockHolder : DataStore.saveFailure
         dataDirectory: DataStore.dataDirectory
         onExportRequested: exportFolderDialog.open()

@@ -84,7 +84,7 @@ Rectangle {
                     text: banner.dataDirectory + "\n" + banner.lockHolder
                 }
             }
-            Button {
+            SheetButton {
                 Layout.alignment: Qt.AlignTop
                 text: Tr.t("Export…", "导出…", "書き出す…")
                 onClicked: banner.exportRequested()
@@ -119,13 +119,13 @@ Rectangle {
                 Layout.alignment: Qt.AlignTop
                 spacing: 4
 
-                Button {
+                SheetButton {
                     objectName: "retryButton"
                     Layout.fillWidth: true
                     text: Tr.t("Try Again", "重试", "再試行")
                     onClicked: banner.retryRequested()
                 }
-                Button {
+                SheetButton {
                     Layout.fillWidth: true
                     text: Tr.t("Export…", "导出…", "書き出す…")
                     onClicked: banner.exportRequested()
@@ -175,7 +175,7 @@ Rectangle {
                     }
                 }
             }
-            Button {
+            SheetButton {
                 objectName: "dismissButton"
                 Layout.alignment: Qt.AlignTop
                 text: Tr.t("Dismiss", "知道了", "閉じる")

@@ -37,5 +37,6 @@ private:
 // it (no sheet open, no panel open) for the next.
 void shootShellScenes(ScreenshotSession &session);
 void shootAssistantScenes(ScreenshotSession &session);
+void shootStoreScenes(ScreenshotSession &session);
 void shootSettingsScenes(ScreenshotSession &session);
 void shootEmptyStoreScene(ScreenshotSession &session);

@@ -6,6 +6,7 @@
 #include <QTextBlock>
 
 #include <algorithm>
+#include <array>
 #include <limits>
 
 SQLHighlightDriver::SQLHighlightDriver(QObject *parent)
@@ -83,8 +84,8 @@ void SQLHighlightDriver::applyHighlighting()
 {
     if (!m_document)
         return;
-    for (quint8 &block : m_blocks)
-        block &= quint8(~(Coloured | StateBits));
+    for (Block &block : m_blocks)
+        block.bits &= quint8(~(Coloured | KeyBits));
     m_scanFrom = 0;
     colourVisibleAndEdited(-1, -1);
 }
@@ -156,31 +157,30 @@ void SQLHighlightDriver::contentsChange(int position, int removed, int added)
     }
 
     const int oldLastQuote = m_lastQuoteBlock;
-    quint8 oldParity = 0;
-    for (int number = first; number <= lastOld; ++number)
-        oldParity ^= m_blocks[std::size_t(number)] & QuoteOdd;
+    const int oldLastClose = m_lastCloseBlock;
+    const SQLLineState oldStateAfter = stateAt(lastOld + 1);
     m_blocks.erase(m_blocks.begin() + first, m_blocks.begin() + lastOld + 1);
-    m_blocks.insert(m_blocks.begin() + first, std::size_t(lastNew - first + 1), quint8(0));
-    readBlockBits(firstBlock, first, lastNew);
-    quint8 newParity = 0;
-    for (int number = first; number <= lastNew; ++number)
-        newParity ^= m_blocks[std::size_t(number)] & QuoteOdd;
-    m_lastQuoteBlock = findLastQuoteBlock();
+    m_blocks.insert(m_blocks.begin() + first, std::size_t(lastNew - first + 1), Block{});
+    readBlocks(firstBlock, first, lastNew);
+    m_lastQuoteBlock = findLastBlockWith(HasQuote);
+    m_lastCloseBlock = findLastBlockWith(HasClose);
+    const SQLLineState newStateAfter = stateAt(lastNew + 1);
 
-    // Blocks before the edit keep their text and the quotes before them; only whether a quote
-    // follows them can change, for those from the old or the new last quote on. Blocks behind
-    // the edit keep whether a quote follows them; they start inside a string or not as before
-    // unless the edit changed the parity of the quotes.
+    // Blocks before the edit keep their text and their start states; only whether a quote or
+    // a "*/" follows them can change, for those from the old or the new last one on. Blocks
+    // behind the edit keep what follows them; they start as before unless the edit changed
+    // the state it leaves.
     int lowest = first;
-    if (oldLastQuote < first)
-        lowest = std::min(lowest, std::max(0, oldLastQuote));
-    if (m_lastQuoteBlock < first)
-        lowest = std::min(lowest, std::max(0, m_lastQuoteBlock));
+    for (const auto &[before, after] :
+         {std::pair(oldLastQuote, m_lastQuoteBlock), std::pair(oldLastClose, m_lastCloseBlock)}) {
+        if (before != after)
+            lowest = std::min(lowest, std::max(0, std::min(before, after)));
+    }
     const int oldScanFrom = m_scanFrom;
     m_scanFrom = std::min(oldScanFrom, lowest);
 
     const int editedEnd = colourVisibleAndEdited(first, lastNew);
-    if (oldParity == newParity && m_scanFrom == first && oldScanFrom > first && editedEnd > lastNew) {
+    if (oldStateAfter == newStateAfter && m_scanFrom == first && oldScanFrom > first && editedEnd > lastNew) {
         // Only the edited blocks needed colour, and they have it.
         m_scanFrom = oldScanFrom > lastOld ? oldScanFrom + (count - oldCount) : lastNew + 1;
         if (!hasPendingWork())
@@ -190,36 +190,101 @@ void SQLHighlightDriver::contentsChange(int position, int removed, int added)
 
 void SQLHighlightDriver::resetBlocks()
 {
-    m_blocks.assign(std::size_t(m_document->blockCount()), quint8(0));
-    readBlockBits(m_document->begin(), 0, int(m_blocks.size()) - 1);
-    m_lastQuoteBlock = findLastQuoteBlock();
+    m_blocks.assign(std::size_t(m_document->blockCount()), Block{});
+    readBlocks(m_document->begin(), 0, int(m_blocks.size()) - 1);
+    m_lastQuoteBlock = findLastBlockWith(HasQuote);
+    m_lastCloseBlock = findLastBlockWith(HasClose);
     m_scanFrom = 0;
 }
 
-void SQLHighlightDriver::readBlockBits(QTextBlock block, int first, int last)
+namespace {
+
+constexpr int transitionShift(bool quoteFollows, bool closeFollows, SQLLineState start)
+{
+    return 2 * ((int(quoteFollows) | int(closeFollows) << 1) * 3 + int(start));
+}
+
+constexpr std::array<SQLLineState, 3> lineStates = {SQLLineState::Code, SQLLineState::String,
+                                                    SQLLineState::BlockComment};
+
+// A block without quotes and comment marks leaves every state as it found it.
+constexpr quint32 unchangedTransitions = [] {
+    quint32 transitions = 0;
+    for (const bool quote : {false, true}) {
+        for (const bool close : {false, true}) {
+            for (const SQLLineState state : lineStates)
+                transitions |= quint32(state) << transitionShift(quote, close, state);
+        }
+    }
+    return transitions;
+}();
+
+} // namespace
+
+void SQLHighlightDriver::readBlocks(QTextBlock block, int first, int last)
 {
     for (int number = first; number <= last && block.isValid(); ++number, block = block.next()) {
-        const qsizetype quotes = SQLHighlighter::quoteCount(block.text());
-        m_blocks[std::size_t(number)] = quint8((quotes % 2 ? QuoteOdd : 0) | (quotes > 0 ? HasQuote : 0));
+        const QString text = block.text();
+        Block &info = m_blocks[std::size_t(number)];
+        info.bits = quint8((text.contains(u'\'') ? HasQuote : 0) | (text.contains(u"/*") ? HasOpen : 0) |
+                           (text.contains(u"*/") ? HasClose : 0));
+        if (!info.bits) {
+            info.transitions = unchangedTransitions;
+            continue;
+        }
+        // What follows matters only to a block that can leave a string or comment open: the
+        // others take the ends already read for the same start without it.
+        const bool quoteMatters = info.bits & HasQuote;
+        const bool closeMatters = info.bits & HasOpen;
+        info.transitions = 0;
+        for (const bool quote : {false, true}) {
+            for (const bool close : {false, true}) {
+                const bool quoteRead = quote && quoteMatters;
+                const bool closeRead = close && closeMatters;
+                for (const SQLLineState state : lineStates) {
+                    const SQLLineState end =
+                        quoteRead == quote && closeRead == close
+                            ? SQLHighlighter::editorLineEndState(text, state, quote, close)
+                            : SQLLineState(info.transitions >> transitionShift(quoteRead, closeRead, state) &
+                                           3);
+                    info.transitions |= quint32(end) << transitionShift(quote, close, state);
+                }
+            }
+        }
     }
 }
 
-int SQLHighlightDriver::findLastQuoteBlock() const
+int SQLHighlightDriver::findLastBlockWith(quint8 bit) const
 {
     for (int number = int(m_blocks.size()); number-- > 0;) {
-        if (m_blocks[std::size_t(number)] & HasQuote)
+        if (m_blocks[std::size_t(number)].bits & bit)
             return number;
     }
     return -1;
 }
 
-bool SQLHighlightDriver::startsInString(int blockNumber) const
+SQLLineState SQLHighlightDriver::endState(int blockNumber, SQLLineState start) const
 {
-    quint8 parity = 0;
-    const quint8 *blocks = m_blocks.data();
-    for (int number = 0; number < blockNumber; ++number)
-        parity ^= blocks[number];
-    return parity & QuoteOdd;
+    return SQLLineState((m_blocks[std::size_t(blockNumber)].transitions >>
+                         transitionShift(quoteFollows(blockNumber), closeFollows(blockNumber), start)) &
+                        3);
+}
+
+SQLLineState SQLHighlightDriver::stateAt(int blockNumber) const
+{
+    SQLLineState state = SQLLineState::Code;
+    const int end = std::min(blockNumber, int(m_blocks.size()));
+    for (int number = 0; number < end; ++number)
+        state = endState(number, state);
+    return state;
+}
+
+quint8 SQLHighlightDriver::colourKey(int blockNumber, SQLLineState start) const
+{
+    const quint8 bits = m_blocks[std::size_t(blockNumber)].bits;
+    return quint8(int(start) << KeyShift |
+                  ((bits & HasQuote) && quoteFollows(blockNumber) ? KeyQuoteFollows : 0) |
+                  ((bits & HasOpen) && closeFollows(blockNumber) ? KeyCloseFollows : 0));
 }
 
 std::pair<int, int> SQLHighlightDriver::visibleBlocks() const
@@ -257,34 +322,32 @@ int SQLHighlightDriver::colourVisibleAndEdited(int editedFirst, int editedLast)
 int SQLHighlightDriver::colourBlocks(int from, int to, const QElapsedTimer &timer, qint64 budgetNs,
                                      bool mustProgress)
 {
-    bool inString = startsInString(from);
+    SQLLineState state = stateAt(from);
     QTextBlock block;
     int blockNumber = -1;
     for (int number = from; number <= to; ++number) {
-        const quint8 bits = m_blocks[std::size_t(number)];
-        const bool quoteFollows = number < m_lastQuoteBlock;
-        const bool endsInString = inString != bool(bits & QuoteOdd);
-        const quint8 state =
-            quint8((inString ? ColouredInString : 0) | (endsInString && !quoteFollows ? ColouredRunsOff : 0));
-        if (!(bits & Coloured) || (bits & StateBits) != state) {
+        Block &info = m_blocks[std::size_t(number)];
+        const quint8 key = colourKey(number, state);
+        if (!(info.bits & Coloured) || (info.bits & KeyBits) != key) {
             if (!mustProgress && timer.nsecsElapsed() >= budgetNs)
                 return number;
             mustProgress = false;
             block = blockNumber == number - 1 && block.isValid() ? block.next()
                                                                  : m_document->findBlockByNumber(number);
             blockNumber = number;
-            colourBlock(block, inString, quoteFollows);
-            m_blocks[std::size_t(number)] = quint8((bits & (QuoteOdd | HasQuote)) | Coloured | state);
+            colourBlock(block, state, quoteFollows(number), closeFollows(number));
+            info.bits = quint8((info.bits & (HasQuote | HasOpen | HasClose)) | Coloured | key);
         }
-        inString = endsInString;
+        state = endState(number, state);
     }
     return to + 1;
 }
 
-void SQLHighlightDriver::colourBlock(const QTextBlock &block, bool inString, bool quoteFollows)
+void SQLHighlightDriver::colourBlock(const QTextBlock &block, SQLLineState start, bool quoteFollows,
+                                     bool closeFollows)
 {
     const QString text = block.text();
-    SQLHighlighter::editorLineSpans(text, inString, quoteFollows, m_spans);
+    SQLHighlighter::editorLineSpans(text, start, quoteFollows, closeFollows, m_spans);
     const QList<QTextLayout::FormatRange> ranges = m_formats.formatRanges(m_spans, text.size());
     block.layout()->setFormats(ranges);
     const int from = block.position();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "sqlhighlighter.h"
 #include "sqlhighlightformats.h"
 
 #include <QElapsedTimer>
@@ -14,12 +15,14 @@
 // colouring the whole text on every keystroke.
 //
 // Each line block is coloured on its own. What a block's colours depend on besides its own
-// text is its carried state: whether it starts inside a string (an odd number of quotes before
-// it) and, when it ends inside one, whether any quote follows to close it. The driver keeps
-// per block its quote count's parity and the state its colours were made for; after an edit it
-// recolours the edited blocks and the visible ones whose state changed, and leaves the rest
-// (a quote typed at the top changes every line below) to idle slices of bounded time. Once no
-// work is pending, every block's formats equal the whole-text editor pass clipped to it.
+// text is its carried state: whether it starts in code, inside a string or inside a block
+// comment, and whether a quote or a "*/" follows it to close what it leaves open. The driver
+// keeps per block the state each possible start leads to (read from the block's text once per
+// change), so the state at any block is a short walk over bytes, and the state its colours were
+// made for. After an edit it recolours the edited blocks and the visible ones whose state
+// changed, and leaves the rest (a quote typed at the top changes every line below) to idle
+// slices of bounded time. Once no work is pending, every block's formats equal the whole-text
+// editor pass clipped to it.
 //
 // Formats go onto the blocks' layouts (QTextLayout::setFormats) and each batch marks its range
 // dirty once, so the view lays the lines out again once per batch rather than once per block.
@@ -76,27 +79,41 @@ Q_SIGNALS:
 
 private:
     enum BlockBit : quint8 {
-        QuoteOdd = 1,         // the block holds an odd number of quotes
-        HasQuote = 2,         // the block holds a quote
-        Coloured = 4,         // the formats match the text, for the state below
-        ColouredInString = 8, // coloured as starting inside a string
-        ColouredRunsOff = 16, // coloured as ending inside a string that nothing closes
-        StateBits = ColouredInString | ColouredRunsOff,
+        HasQuote = 1, // the block holds a quote
+        HasOpen = 2,  // the block holds a "/*"
+        HasClose = 4, // the block holds a "*/"
+        Coloured = 8, // the formats match the text, for the key below
+        KeyShift = 4, // the key: the start state and the closers that mattered
+        KeyQuoteFollows = 0x40,
+        KeyCloseFollows = 0x80,
+        KeyBits = 0xF0,
+    };
+
+    struct Block
+    {
+        // The state after the block for each start state and each pair of (a quote follows, a
+        // "*/" follows), two bits each; see endState().
+        quint32 transitions = 0;
+        quint8 bits = 0;
     };
 
     void contentsChange(int position, int removed, int added);
     void documentDestroyed();
     void setFormats(const SQLHighlightFormats &formats);
     void resetBlocks();
-    void readBlockBits(QTextBlock block, int first, int last);
-    [[nodiscard]] int findLastQuoteBlock() const;
-    [[nodiscard]] bool startsInString(int blockNumber) const;
+    void readBlocks(QTextBlock block, int first, int last);
+    [[nodiscard]] int findLastBlockWith(quint8 bit) const;
+    [[nodiscard]] bool quoteFollows(int blockNumber) const { return blockNumber < m_lastQuoteBlock; }
+    [[nodiscard]] bool closeFollows(int blockNumber) const { return blockNumber < m_lastCloseBlock; }
+    [[nodiscard]] SQLLineState endState(int blockNumber, SQLLineState start) const;
+    [[nodiscard]] SQLLineState stateAt(int blockNumber) const;
+    [[nodiscard]] quint8 colourKey(int blockNumber, SQLLineState start) const;
     [[nodiscard]] std::pair<int, int> visibleBlocks() const;
     // Colours the visible blocks, then the edited ones, within the budget; returns the first
     // edited block left uncoloured.
     int colourVisibleAndEdited(int editedFirst, int editedLast);
     int colourBlocks(int from, int to, const QElapsedTimer &timer, qint64 budgetNs, bool mustProgress);
-    void colourBlock(const QTextBlock &block, bool inString, bool quoteFollows);
+    void colourBlock(const QTextBlock &block, SQLLineState start, bool quoteFollows, bool closeFollows);
     void flushDirty();
     void runSlice(qint64 budgetNs);
     void schedule();
@@ -108,9 +125,10 @@ private:
     QTimer m_sliceTimer;
     qint64 m_budgetNs = defaultBudgetNs;
 
-    std::vector<quint8> m_blocks;
-    // The last block holding a quote, or -1.
+    std::vector<Block> m_blocks;
+    // The last block holding a quote, and a "*/"; or -1.
     int m_lastQuoteBlock = -1;
+    int m_lastCloseBlock = -1;
     // Every block before this one is coloured for its current text and state.
     int m_scanFrom = 0;
     int m_visibleFrom = -1;

@@ -37,26 +37,6 @@ private:
     SQLHighlightSpan m_pending;
 };
 
-qsizetype lastIndexOf(const char16_t *text, qsizetype length, char16_t wanted)
-{
-    // Whole chunks first, without an early exit inside, so that the compare is vectorised.
-    constexpr qsizetype chunk = 16;
-    qsizetype end = length;
-    while (end >= chunk) {
-        bool any = false;
-        for (qsizetype i = end - chunk; i < end; ++i)
-            any |= text[i] == wanted;
-        if (any)
-            break;
-        end -= chunk;
-    }
-    for (qsizetype i = end; i-- > 0;) {
-        if (text[i] == wanted)
-            return i;
-    }
-    return -1;
-}
-
 bool isLowSurrogate(char16_t c)
 {
     return c >= 0xDC00 && c <= 0xDFFF;
@@ -67,58 +47,56 @@ char32_t surrogatePair(char16_t high, char16_t low)
     return 0x10000 + ((char32_t(high) - 0xD800) << 10) + (char32_t(low) - 0xDC00);
 }
 
-// One pass of either rule set. Every rule of the set is applied at once: the scanner keeps,
-// for each rule, whether the current position lies inside one of its matches, and colours by
-// the last rule that covers a position.
+// One pass of either rule set, read as SQL is read: left to right, a string or comment runs
+// from its opening mark to its closing one, and nothing inside it is a word, a number or another
+// mark. Words are coloured only outside strings and comments.
 //
-// How the expressions reduce to that:
+// How the rules' expressions reduce to that:
+// - The string and comment expressions ('[^']*', --.*$, /\*[\s\S]*?\*/ and, in the read-only
+//   pass, "[^"]*") form one alternation matched leftmost and without overlap. A quote with no
+//   partner after it, and a "/*" with no "*/" after it, start no match: they are plain and
+//   reading goes on behind them.
 // - Word rules (\bWORD\b, \b\d+\b) can only match whole runs of word characters, since each
 //   needs a boundary at both ends and has no boundary inside. A run is scanned once and then
 //   looked up. A run that contains an extender cannot match (the literal or \d stops there,
 //   and no \b falls before an extender).
-// - '[^']*' pairs the first quote with the second, the third with the fourth, and so on; an
-//   odd last quote starts no match. Likewise for double quotes.
-// - A line comment starts at the first "--" of a line outside another comment match.
-// - A block comment runs from "/*" to the first "*/" that begins at least two characters
-//   later; the search resumes behind it.
-template<bool ReadOnly>
+//
+// `Colour` false reads the states only, for the state a line passes on.
+template<bool ReadOnly, bool Colour>
 class Scanner
 {
 public:
-    Scanner(QStringView text, bool startsInString, bool quoteFollows, QList<SQLHighlightSpan> &spans)
+    Scanner(QStringView text, bool quoteFollows, bool closeFollows, SpanSink *sink)
         : m_text(text.utf16())
         , m_length(text.size())
         , m_chars(SQLHighlightChars::instance())
         , m_words(SQLHighlightWords::instance())
-        , m_sink(spans)
+        , m_sink(sink)
         , m_quoteFollows(quoteFollows)
-    {
-        m_lastQuote = lastIndexOf(m_text, m_length, u'\'');
-        if constexpr (ReadOnly)
-            m_lastDoubleQuote = lastIndexOf(m_text, m_length, u'"');
-        m_inString = startsInString && (m_lastQuote >= 0 || quoteFollows);
-        m_base = baseAt(0);
-    }
+        , m_closeFollows(closeFollows)
+    {}
 
-    void run()
+    SQLLineState run(SQLLineState start)
     {
+        qsizetype i = 0;
+        if (start == SQLLineState::String)
+            i = closeString(0, 0, u'\'', true);
+        else if (start == SQLLineState::BlockComment)
+            i = closeBlockComment(0, 0, true);
         const char16_t *const text = m_text;
         const qsizetype length = m_length;
-        qsizetype i = 0;
         while (i < length) {
             switch (m_chars.kind(text[i])) {
-            case SQLCharKind::Other:
-            case SQLCharKind::Extend:
-            case SQLCharKind::Dot:
-                ++i;
-                break;
             case SQLCharKind::Letter:
             case SQLCharKind::Digit:
             case SQLCharKind::Word:
-                i = word(i);
+                if constexpr (Colour)
+                    i = word(i);
+                else
+                    ++i;
                 break;
             case SQLCharKind::HighSurrogate:
-                if (i + 1 < length && isLowSurrogate(text[i + 1])) {
+                if (Colour && i + 1 < length && isLowSurrogate(text[i + 1])) {
                     const SQLCharKind kind =
                         SQLHighlightChars::supplementaryKind(surrogatePair(text[i], text[i + 1]));
                     if (kind == SQLCharKind::Word || kind == SQLCharKind::Digit)
@@ -129,112 +107,89 @@ public:
                     ++i;
                 }
                 break;
-            case SQLCharKind::LineFeed:
-                lineEnd(i);
-                ++i;
-                break;
-            case SQLCharKind::OtherLineEnd:
-                if constexpr (!ReadOnly)
-                    lineEnd(i);
-                ++i;
-                break;
             case SQLCharKind::Quote:
-                quote(i);
-                ++i;
+                i = closeString(i, i + 1, u'\'', m_quoteFollows);
                 break;
             case SQLCharKind::DoubleQuote:
                 if constexpr (ReadOnly)
-                    doubleQuote(i);
-                ++i;
+                    i = closeString(i, i + 1, u'"', false);
+                else
+                    ++i;
                 break;
             case SQLCharKind::Dash:
-                if (!m_inLineComment && i + 1 < length && text[i + 1] == u'-') {
-                    m_inLineComment = true;
-                    setBaseAt(i);
-                    i += 2;
-                } else {
-                    ++i;
-                }
+                i = i + 1 < length && text[i + 1] == u'-' ? lineComment(i) : i + 1;
                 break;
             case SQLCharKind::Slash:
-                if constexpr (ReadOnly)
-                    slash(i);
+                i = i + 1 < length && text[i + 1] == u'*' ? closeBlockComment(i, i + 2, m_closeFollows)
+                                                          : i + 1;
+                break;
+            default:
                 ++i;
                 break;
             }
         }
-        if (m_base != SQLHighlightRole::Plain && length > m_stretchStart)
-            m_sink.add(m_stretchStart, length, m_base, false);
-        m_sink.finish();
+        if constexpr (Colour)
+            m_sink->finish();
+        return m_endState;
     }
 
 private:
-    // The colour a character takes from the string and comment rules alone.
-    [[nodiscard]] SQLHighlightRole baseAt(qsizetype position) const
+    void add(qsizetype start, qsizetype end, SQLHighlightRole role, bool keywordWeight = false)
     {
-        if (m_inLineComment || position < m_blockCommentEnd)
-            return SQLHighlightRole::Comment;
-        if (m_inString || m_inDoubleString)
-            return SQLHighlightRole::String;
-        return SQLHighlightRole::Plain;
+        if constexpr (Colour)
+            m_sink->add(start, end, role, keywordWeight);
     }
 
-    // The string or comment state changed at `position`.
-    void setBaseAt(qsizetype position)
+    // A string opened at `open` (or carried into the line when `open` is 0 and `from` too),
+    // closed by the next `quote` at or after `from`. Without one it is a string only when the
+    // text after the line closes it; otherwise the opening quote is plain. Returns where
+    // reading goes on.
+    qsizetype closeString(qsizetype open, qsizetype from, char16_t quote, bool closedLater)
     {
-        const SQLHighlightRole base = baseAt(position);
-        if (base == m_base)
-            return;
-        if (m_base != SQLHighlightRole::Plain && position > m_stretchStart)
-            m_sink.add(m_stretchStart, position, m_base, false);
-        m_base = base;
-        m_stretchStart = position;
-    }
-
-    void lineEnd(qsizetype i)
-    {
-        if (m_inLineComment) {
-            m_inLineComment = false;
-            setBaseAt(i);
+        const qsizetype close = QStringView(m_text, m_length).indexOf(QChar(quote), from);
+        if (close >= 0) {
+            add(open, close + 1, SQLHighlightRole::String);
+            return close + 1;
         }
+        if (!closedLater)
+            return from;
+        add(open, m_length, SQLHighlightRole::String);
+        m_endState = SQLLineState::String;
+        return m_length;
     }
 
-    void quote(qsizetype i)
+    // A block comment opened at `open`, closed by the first "*/" at or after `from`; the same
+    // rules as a string otherwise.
+    qsizetype closeBlockComment(qsizetype open, qsizetype from, bool closedLater)
     {
-        if (m_inString) {
-            m_inString = false;
-            setBaseAt(i + 1);
-        } else if (i != m_lastQuote || m_quoteFollows) {
-            m_inString = true;
-            setBaseAt(i);
-        }
-    }
-
-    void doubleQuote(qsizetype i)
-    {
-        if (m_inDoubleString) {
-            m_inDoubleString = false;
-            setBaseAt(i + 1);
-        } else if (i != m_lastDoubleQuote) {
-            m_inDoubleString = true;
-            setBaseAt(i);
-        }
-    }
-
-    void slash(qsizetype i)
-    {
-        if (i >= m_blockCommentEnd && !m_blockCommentsDone && i + 1 < m_length && m_text[i + 1] == u'*') {
-            const qsizetype close = QStringView(m_text, m_length).indexOf(u"*/", i + 2);
-            if (close < 0) {
-                // No later "/*" can find a close either.
-                m_blockCommentsDone = true;
-            } else {
-                m_blockCommentEnd = close + 2;
-                setBaseAt(i);
+        if (!m_noCloseAfter) {
+            const qsizetype close = QStringView(m_text, m_length).indexOf(u"*/", from);
+            if (close >= 0) {
+                add(open, close + 2, SQLHighlightRole::Comment);
+                return close + 2;
             }
-        } else if (i + 1 == m_blockCommentEnd) {
-            setBaseAt(i + 1);
+            // No later "/*" in the line can find a close either.
+            m_noCloseAfter = true;
         }
+        if (!closedLater)
+            return open + 1;
+        add(open, m_length, SQLHighlightRole::Comment);
+        m_endState = SQLLineState::BlockComment;
+        return m_length;
+    }
+
+    // A line comment from `open` to the end of its line: the next line feed, and in the editor
+    // pass any other line end too.
+    qsizetype lineComment(qsizetype open)
+    {
+        qsizetype i = open + 2;
+        for (; i < m_length; ++i) {
+            const SQLCharKind kind = m_chars.kind(m_text[i]);
+            if (kind == SQLCharKind::LineFeed || (!ReadOnly && kind == SQLCharKind::OtherLineEnd))
+                break;
+        }
+        add(open, i, SQLHighlightRole::Comment);
+        return i;
     }
 
     // Scans the run of word characters at `start`, colours it, and returns its end.
@@ -310,43 +265,27 @@ private:
         }
         const bool keywordWeight = (wordFlags & SQLHighlightWords::IsKeyword) != 0;
         SQLHighlightRole role = SQLHighlightRole::Plain;
-        if (m_inLineComment || start < m_blockCommentEnd)
-            role = SQLHighlightRole::Comment;
-        else if (isNumber)
+        if (isNumber)
             role = SQLHighlightRole::Number;
-        else if (m_inString || m_inDoubleString)
-            role = SQLHighlightRole::String;
         else if (wordFlags & SQLHighlightWords::IsType)
             role = SQLHighlightRole::Type;
         else if (keywordWeight)
             role = SQLHighlightRole::Keyword;
-        if (role == m_base && !keywordWeight)
-            return;
-        if (m_base != SQLHighlightRole::Plain && start > m_stretchStart)
-            m_sink.add(m_stretchStart, start, m_base, false);
-        m_sink.add(start, end, role, keywordWeight);
-        m_stretchStart = end;
+        if (role != SQLHighlightRole::Plain || keywordWeight)
+            add(start, end, role, keywordWeight);
     }
 
     const char16_t *m_text = nullptr;
     qsizetype m_length = 0;
     const SQLHighlightChars &m_chars;
     const SQLHighlightWords &m_words;
-    SpanSink m_sink;
+    SpanSink *m_sink = nullptr;
     const bool m_quoteFollows = false;
+    const bool m_closeFollows = false;
 
-    qsizetype m_lastQuote = -1;
-    qsizetype m_lastDoubleQuote = -1;
-    bool m_inString = false;
-    bool m_inDoubleString = false;
-    bool m_inLineComment = false;
-    qsizetype m_blockCommentEnd = 0;
-    bool m_blockCommentsDone = false;
+    bool m_noCloseAfter = false;
     qsizetype m_pendingDot = -1;
-
-    // The string/comment colour in force, and where its not yet written stretch began.
-    SQLHighlightRole m_base = SQLHighlightRole::Plain;
-    qsizetype m_stretchStart = 0;
+    SQLLineState m_endState = SQLLineState::Code;
 };
 
 } // namespace
@@ -361,14 +300,22 @@ QList<SQLHighlightSpan> SQLHighlighter::editorSpans(QStringView text)
 void SQLHighlighter::editorSpans(QStringView text, QList<SQLHighlightSpan> &spans)
 {
     spans.clear();
-    Scanner<false>(text, false, false, spans).run();
+    SpanSink sink(spans);
+    Scanner<false, true>(text, false, false, &sink).run(SQLLineState::Code);
 }
 
-void SQLHighlighter::editorLineSpans(QStringView line, bool startsInString, bool quoteFollows,
-                                     QList<SQLHighlightSpan> &spans)
+SQLLineState SQLHighlighter::editorLineSpans(QStringView line, SQLLineState start, bool quoteFollows,
+                                             bool closeFollows, QList<SQLHighlightSpan> &spans)
 {
     spans.clear();
-    Scanner<false>(line, startsInString, quoteFollows, spans).run();
+    SpanSink sink(spans);
+    return Scanner<false, true>(line, quoteFollows, closeFollows, &sink).run(start);
+}
+
+SQLLineState SQLHighlighter::editorLineEndState(QStringView line, SQLLineState start, bool quoteFollows,
+                                                bool closeFollows)
+{
+    return Scanner<false, false>(line, quoteFollows, closeFollows, nullptr).run(start);
 }
 
 QList<SQLHighlightSpan> SQLHighlighter::highlightedContent(QStringView text)
@@ -381,13 +328,6 @@ QList<SQLHighlightSpan> SQLHighlighter::highlightedContent(QStringView text)
 void SQLHighlighter::highlightedContent(QStringView text, QList<SQLHighlightSpan> &spans)
 {
     spans.clear();
-    Scanner<true>(text, false, false, spans).run();
-}
-
-qsizetype SQLHighlighter::quoteCount(QStringView text)
-{
-    qsizetype count = 0;
-    for (const QChar c : text)
-        count += c == u'\'';
-    return count;
+    SpanSink sink(spans);
+    Scanner<true, true>(text, false, false, &sink).run(SQLLineState::Code);
 }

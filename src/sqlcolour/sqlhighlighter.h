@@ -5,20 +5,25 @@
 #include <QList>
 #include <QStringView>
 
-// The two colouring passes over SQL text, each one hand-written pass over the characters that
-// gives exactly the colours of the rules' regular expressions run one after the other.
+// Where a line of the editor pass begins: in code, or inside a string or block comment that
+// an earlier line opened.
+enum class SQLLineState : quint8 {
+    Code,
+    String,
+    BlockComment,
+};
+
+// The two colouring passes over SQL text, each one hand-written pass over the characters.
 //
-// Editor pass, rules in order (each over the whole text; a later rule overwrites the colour
-// of an earlier one, keyword weight stays):
-//   keywords  \bWORD\b, one per listed word, ignoring case
-//   types     the same for the type words
-//   strings   '[^']*'        (quotes pair up from the start; may span lines)
-//   numbers   \b\d+\b
-//   comments  --.*$          (to the end of the line)
-// Read-only pass: keywords and types as above, then '[^']*', "[^"]*", \b\d+(?:\.\d+)?\b,
-// --[^\n]* (to the next line feed only) and /\*[\s\S]*?\*/.
+// Both read strings and comments as units, left to right: inside one, nothing else is coloured
+// (no keyword, weight, number or other mark), and a mark inside one opens nothing. Outside
+// them, whole words take the keyword, type and number colours, keywords in semibold.
+//   editor pass     '…' (may span lines), -- to the end of the line, /* … */ (may span lines)
+//   read-only pass  the same, and "…"; -- ends at a line feed only; numbers may have a fraction
+// A quote with no partner after it, or a "/*" with no "*/" after it, opens nothing.
 //
-// The expressions' character classes are those of ICU's engine (see SQLCharKind).
+// Word boundaries, digits and letter folding are those of ICU's regular expressions (see
+// SQLCharKind), which the rules were first written for.
 class SQLHighlighter
 {
 public:
@@ -27,17 +32,17 @@ public:
     static void editorSpans(QStringView text, QList<SQLHighlightSpan> &spans);
 
     // The editor pass over one line of a larger text, with what the text around it decides:
-    // `startsInString` when an odd number of quotes stand before the line, `quoteFollows` when
-    // any quote stands after it (a quote without a partner is no string). The line must not
-    // contain the line break that ends it. Gives the same spans, relative to the line, as the
-    // whole-text pass clipped to the line. `spans` is cleared first.
-    static void editorLineSpans(QStringView line, bool startsInString, bool quoteFollows,
-                                QList<SQLHighlightSpan> &spans);
+    // the state the line starts in, `quoteFollows` when a quote stands after the line and
+    // `closeFollows` when a "*/" does. The line must not contain the line break that ends it.
+    // Gives the same spans, relative to the line, as the whole-text pass clipped to the line,
+    // and returns the state the next line starts in. `spans` is cleared first.
+    static SQLLineState editorLineSpans(QStringView line, SQLLineState start, bool quoteFollows,
+                                        bool closeFollows, QList<SQLHighlightSpan> &spans);
+    // Only the state the next line starts in, as editorLineSpans() returns it.
+    [[nodiscard]] static SQLLineState editorLineEndState(QStringView line, SQLLineState start,
+                                                         bool quoteFollows, bool closeFollows);
 
     // The read-only pass over a whole text (the version sheet).
     [[nodiscard]] static QList<SQLHighlightSpan> highlightedContent(QStringView text);
     static void highlightedContent(QStringView text, QList<SQLHighlightSpan> &spans);
-
-    // The number of single quotes in `text`: what a line passes on to the lines after it.
-    [[nodiscard]] static qsizetype quoteCount(QStringView text);
 };

@@ -8,10 +8,10 @@
 using namespace Qt::StringLiterals;
 
 // The colouring rules as data. The editor pass and the read-only pass share the word lists,
-// the colours and the weights; they differ only in their patterns (see SQLHighlighter).
+// the colours and the weights; they differ only in what they read as strings and comments
+// (see SQLHighlighter).
 
-// What a stretch of text is coloured as. Where rules overlap the later rule's colour wins,
-// in this order: keyword, type, string, number, comment.
+// What a stretch of text is coloured as.
 enum class SQLHighlightRole : quint8 {
     Plain,
     Keyword,
@@ -66,8 +66,8 @@ inline constexpr SQLHighlightRgba highlightTypeColour{0.8f, 0.5f, 0.2f, 1.0f};
 inline constexpr SQLHighlightRgba highlightStringColour{0.3f, 0.7f, 0.3f, 1.0f};
 inline constexpr SQLHighlightRgba highlightNumberColour{0.9f, 0.6f, 0.2f, 1.0f};
 
-// Font weights (CSS scale, as QFont::Weight): keyword words are semibold wherever they stand,
-// also inside strings and comments, because the later rules change only the colour.
+// Font weights (CSS scale, as QFont::Weight): keywords are semibold; strings and comments are
+// plain throughout, whatever words they hold.
 inline constexpr int highlightPlainWeight = 400;
 inline constexpr int highlightKeywordWeight = 600;
 

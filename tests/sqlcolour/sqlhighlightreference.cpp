@@ -17,6 +17,9 @@ struct Rule
     bool anchorsMatchLines = false;
     SQLHighlightRole role = SQLHighlightRole::Plain;
     bool keywordWeight = false;
+    // Strings and comments: coloured by their first character, over all earlier colours and
+    // weights.
+    bool isToken = false;
 };
 
 QString wordPattern(QLatin1StringView word)
@@ -40,9 +43,8 @@ std::vector<Rule> editorRules()
         rules.push_back({wordPattern(word), true, false, SQLHighlightRole::Keyword, true});
     for (const QLatin1StringView word : highlightTypes)
         rules.push_back({wordPattern(word), true, false, SQLHighlightRole::Type, false});
-    rules.push_back({u"'[^']*'"_s, true, false, SQLHighlightRole::String, false});
     rules.push_back({u"\\b\\d+\\b"_s, true, false, SQLHighlightRole::Number, false});
-    rules.push_back({u"--.*$"_s, true, true, SQLHighlightRole::Comment, false});
+    rules.push_back({u"'[^']*'|--.*$|/\\*[\\s\\S]*?\\*/"_s, false, true, {}, false, true});
     return rules;
 }
 
@@ -51,11 +53,8 @@ std::vector<Rule> readOnlyRules()
     return {
         {alternationPattern(highlightKeywords), true, false, SQLHighlightRole::Keyword, true},
         {alternationPattern(highlightTypes), true, false, SQLHighlightRole::Type, false},
-        {u"'[^']*'"_s, false, false, SQLHighlightRole::String, false},
-        {u"\"[^\"]*\""_s, false, false, SQLHighlightRole::String, false},
         {u"\\b\\d+(?:\\.\\d+)?\\b"_s, true, false, SQLHighlightRole::Number, false},
-        {u"--[^\\n]*"_s, false, true, SQLHighlightRole::Comment, false},
-        {u"/\\*[\\s\\S]*?\\*/"_s, false, false, SQLHighlightRole::Comment, false},
+        {u"'[^']*'|\"[^\"]*\"|--[^\\n]*|/\\*[\\s\\S]*?\\*/"_s, false, false, {}, false, true},
     };
 }
 
@@ -99,10 +98,16 @@ public:
         for (std::size_t r = 0; r < m_rules.size(); ++r) {
             const Rule &rule = m_rules[r];
             const auto paint = [&](qsizetype start, qsizetype end) {
+                SQLHighlightRole role = rule.role;
+                if (rule.isToken)
+                    role = text[start] == u'\'' || text[start] == u'"' ? SQLHighlightRole::String
+                                                                       : SQLHighlightRole::Comment;
                 for (qsizetype i = start; i < end; ++i) {
-                    roles[std::size_t(i)] = rule.role;
+                    roles[std::size_t(i)] = role;
                     if (rule.keywordWeight)
                         weights[std::size_t(i)] = true;
+                    else if (rule.isToken)
+                        weights[std::size_t(i)] = false;
                 }
             };
             if (engine == SQLHighlightReference::Engine::Icu) {

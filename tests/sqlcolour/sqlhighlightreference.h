@@ -6,7 +6,9 @@
 #include <QStringView>
 
 // The colouring rules run literally: each rule's regular expressions, compiled once, over the
-// whole text, one rule after the other, a later match overwriting the colour of an earlier one.
+// whole text, one rule after the other, a later match overwriting the colour of an earlier one;
+// last, strings and comments as one alternation, matched leftmost without overlap, so that
+// they are read as units.
 // Slow on purpose; the fast passes must give exactly the same spans.
 //
 // Icu runs the expressions on ICU's engine, the one they were written for, with the rules'

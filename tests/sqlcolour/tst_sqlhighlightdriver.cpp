@@ -73,7 +73,7 @@ QString randomEdit(QRandomGenerator &random, QTextDocument &document)
             document.setPlainText(randomsql::text(random, random.bounded(300), true));
             return u"new text"_s;
         }
-        cursor.insertText(u"--"_s);
+        cursor.insertText(QStringList{u"--"_s, u"/*"_s, u"*/"_s}.at(random.bounded(3)));
         return u"comment mark at %1"_s.arg(cursor.position());
     }
 }
@@ -179,6 +179,37 @@ private Q_SLOTS:
                 wrong.contains(2011));
         driver.finishPendingWork();
         QCOMPARE(wrongBlocks(document, driver), QList<int>());
+    }
+
+    // A block comment opened near the top runs to a "*/" far below: the lines in view take the
+    // comment colour at once, and lose it again when the close goes.
+    void blockCommentOverLines()
+    {
+        QTextDocument document;
+        document.setPlainText(numberedLines(3000, u"select %1;\n"_s).replace(u"select 2500;"_s, u"*/"_s));
+        SQLHighlightDriver driver;
+        driver.setDocument(&document);
+        driver.setVisibleRange(0, document.findBlockByNumber(40).position());
+        driver.finishPendingWork();
+        const auto firstFormat = [&](int blockNumber) {
+            return document.findBlockByNumber(blockNumber).layout()->formats().constFirst().format;
+        };
+        QCOMPARE(firstFormat(30).fontWeight(), highlightKeywordWeight);
+
+        QTextCursor cursor(document.findBlockByNumber(2));
+        cursor.insertText(u"/*"_s);
+        QCOMPARE(firstFormat(30).foreground().color(), driver.commentColor());
+        QCOMPARE(firstFormat(30).fontWeight(), highlightPlainWeight);
+        driver.finishPendingWork();
+        QCOMPARE(wrongBlocks(document, driver), QList<int>());
+        QCOMPARE(firstFormat(2499).foreground().color(), driver.commentColor());
+
+        QTextCursor close(document.findBlockByNumber(2500));
+        close.select(QTextCursor::BlockUnderCursor);
+        close.removeSelectedText();
+        driver.finishPendingWork();
+        QCOMPARE(wrongBlocks(document, driver), QList<int>());
+        QCOMPARE(firstFormat(30).fontWeight(), highlightKeywordWeight);
     }
 
     // Keystrokes that leave the carried state alone (a "--", a word) leave no work behind.

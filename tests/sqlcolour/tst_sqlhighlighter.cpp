@@ -45,7 +45,7 @@ QString difference(const QString &text, bool withPcre)
 }
 
 // One letter per character: . plain, K keyword, T type, S string, N number, C comment; lower
-// case where a keyword's weight lies under another colour.
+// case where a keyword's weight lies under another colour (which should never be).
 QString paint(const QList<SQLHighlightSpan> &spans, qsizetype length)
 {
     QString result(length, u'.');
@@ -128,8 +128,7 @@ private Q_SLOTS:
         for (int round = 0; round < 1500; ++round) {
             const QString text = randomsql::text(random, random.bounded(80), true);
             const QList<SQLHighlightSpan> whole = SQLHighlighter::editorSpans(text);
-            const qsizetype totalQuotes = SQLHighlighter::quoteCount(text);
-            qsizetype quotesBefore = 0;
+            SQLLineState state = SQLLineState::Code;
             QList<SQLHighlightSpan> line;
             for (qsizetype start = 0; start <= text.size();) {
                 qsizetype end = start;
@@ -137,9 +136,11 @@ private Q_SLOTS:
                        text[end] != u'\u2029')
                     ++end;
                 const QStringView view = QStringView(text).mid(start, end - start);
-                const qsizetype quotes = SQLHighlighter::quoteCount(view);
-                SQLHighlighter::editorLineSpans(view, quotesBefore % 2, quotesBefore + quotes < totalQuotes,
-                                                line);
+                const bool quoteFollows = text.indexOf(u'\'', end) >= 0;
+                const bool closeFollows = text.indexOf(u"*/", end) >= 0;
+                const SQLLineState next =
+                    SQLHighlighter::editorLineSpans(view, state, quoteFollows, closeFollows, line);
+                QCOMPARE(SQLHighlighter::editorLineEndState(view, state, quoteFollows, closeFollows), next);
                 QList<SQLHighlightSpan> expected;
                 for (const SQLHighlightSpan &span : whole) {
                     const qsizetype from = std::max(span.start, start);
@@ -149,7 +150,7 @@ private Q_SLOTS:
                 }
                 QVERIFY2(line == expected,
                          qPrintable(QString::fromLatin1(text.toUtf8().toPercentEncoding())));
-                quotesBefore += quotes;
+                state = next;
                 start = end + 1;
             }
         }
@@ -164,23 +165,37 @@ private Q_SLOTS:
         QTest::newRow("case ignored") << u"Select sELECT"_s << u"KKKKKK.KKKKKK"_s << u"KKKKKK.KKKKKK"_s;
         QTest::newRow("part of a longer word")
             << u"selects _in in_"_s << u"..............."_s << u"..............."_s;
-        QTest::newRow("keyword in string keeps weight") << u"'select'"_s << u"SssssssS"_s << u"SssssssS"_s;
-        QTest::newRow("keyword in comment keeps weight") << u"-- from"_s << u"CCCcccc"_s << u"CCCcccc"_s;
-        QTest::newRow("type in string") << u"'int'"_s << u"SSSSS"_s << u"SSSSS"_s;
-        QTest::newRow("number in string") << u"'a 1'"_s << u"SSSNS"_s << u"SSSNS"_s;
+        // Strings and comments are read as units: one colour, plain weight, no marks inside.
+        QTest::newRow("keyword in string") << u"'select'"_s << u"SSSSSSSS"_s << u"SSSSSSSS"_s;
+        QTest::newRow("keyword in comment") << u"-- from"_s << u"CCCCCCC"_s << u"CCCCCCC"_s;
+        QTest::newRow("type and number in string") << u"'int 1'"_s << u"SSSSSSS"_s << u"SSSSSSS"_s;
         QTest::newRow("decimal") << u"1.5 1.2.3 1.5a"_s << u"N.N.N.N.N.N..."_s << u"NNN.NNN.N.N..."_s;
-        QTest::newRow("dash dash in string") << u"'a--b' x\nc"_s << u"SSCCCCCC.."_s << u"SSCCCCCC.."_s;
+        QTest::newRow("dash dash in string") << u"'a--b' in\nc"_s << u"SSSSSS.KK.."_s << u"SSSSSS.KK.."_s;
         QTest::newRow("unterminated quote") << u"in 'abc"_s << u"KK....."_s << u"KK....."_s;
-        QTest::newRow("odd last quote") << u"'a' 'b"_s << u"SSS..."_s << u"SSS..."_s;
-        QTest::newRow("string over lines") << u"'a\nin\r\nb'"_s << u"SSSssSSSS"_s << u"SSSssSSSS"_s;
-        QTest::newRow("quote in comment pairs on")
-            << u"-- it's\nin '"_s << u"CCCCCCCSssSS"_s << u"CCCCCCCSssSS"_s;
-        QTest::newRow("block comment") << u"/* in 'a' 1 */"_s << u"...KK.SSS.N..."_s << u"CCCccCCCCCCCCC"_s;
+        QTest::newRow("odd last quote") << u"'a' 'b in"_s << u"SSS....KK"_s << u"SSS....KK"_s;
+        QTest::newRow("unpaired quote then comment") << u"x ' -- in"_s << u"....CCCCC"_s << u"....CCCCC"_s;
+        QTest::newRow("string over lines") << u"'a\nin\r\nb'"_s << u"SSSSSSSSS"_s << u"SSSSSSSSS"_s;
+        QTest::newRow("quote in comment opens nothing")
+            << u"-- it's\nin 'a'"_s << u"CCCCCCC.KK.SSS"_s << u"CCCCCCC.KK.SSS"_s;
+        QTest::newRow("new user's first try")
+            << u"SELECT 1; -- select from where"_s << u"KKKKKK.N..CCCCCCCCCCCCCCCCCCCC"_s
+            << u"KKKKKK.N..CCCCCCCCCCCCCCCCCCCC"_s;
+        QTest::newRow("comment then string")
+            << u"/* select */ SELECT 'select from'"_s << u"CCCCCCCCCCCC.KKKKKK.SSSSSSSSSSSSS"_s
+            << u"CCCCCCCCCCCC.KKKKKK.SSSSSSSSSSSSS"_s;
+        QTest::newRow("block comment")
+            << u"/* in 'a' 1 */ in"_s << u"CCCCCCCCCCCCCC.KK"_s << u"CCCCCCCCCCCCCC.KK"_s;
+        QTest::newRow("block comment over lines")
+            << u"/* a\nin */1"_s << u"CCCCCCCCCCN"_s << u"CCCCCCCCCCN"_s;
         QTest::newRow("block comment ends at first close")
-            << u"/*/ */1/* x"_s << u"......N...."_s << u"CCCCCCN...."_s;
-        QTest::newRow("double quotes") << u"\"in\" x\""_s << u".KK...."_s << u"SssS..."_s;
+            << u"/*/ */1/* x"_s << u"CCCCCCN...."_s << u"CCCCCCN...."_s;
+        QTest::newRow("quote inside block comment")
+            << u"/* it's */ 'a'"_s << u"CCCCCCCCCC.SSS"_s << u"CCCCCCCCCC.SSS"_s;
+        QTest::newRow("comment marks inside string")
+            << u"'/*' in '*/'"_s << u"SSSS.KK.SSSS"_s << u"SSSS.KK.SSSS"_s;
+        QTest::newRow("double quotes") << u"\"in\" x\""_s << u".KK...."_s << u"SSSS..."_s;
         QTest::newRow("CR ends comment in editor only") << u"-- a\r\nin"_s << u"CCCC..KK"_s << u"CCCCC.KK"_s;
-        QTest::newRow("LS ends comment in editor only") << u"--\u2028in"_s << u"CC.KK"_s << u"CCCcc"_s;
+        QTest::newRow("LS ends comment in editor only") << u"--\u2028in"_s << u"CC.KK"_s << u"CCCCC"_s;
         QTest::newRow("CJK letters are word characters")
             << u"表1 中in 表 1"_s << u".........N"_s << u".........N"_s;
         QTest::newRow("any decimal digit") << u"１２ \u0661"_s << u"NN.N"_s << u"NN.N"_s;

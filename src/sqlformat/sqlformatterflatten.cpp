@@ -35,6 +35,25 @@ Piece pieceAt(QStringView text, qsizetype i)
     return SqlTokenChars::standsAlone(text, i) ? piece : Piece::Other;
 }
 
+// A line that begins so is a client's command to some dialect (psql's "\", SQL*Plus's "rem")
+// and reads differently from the same text inside a line: its line end stays.
+bool beginsClientCommand(QStringView line)
+{
+    qsizetype i = 0;
+    while (i < line.size() && (line[i] == u' ' || line[i] == u'\t'))
+        ++i;
+    line = line.sliced(i);
+    if (line.startsWith(u'\\'))
+        return true;
+    for (const QStringView word : {QStringView(u"rem"), QStringView(u"remark")}) {
+        if (line.size() >= word.size() && line.first(word.size()).compare(word, Qt::CaseInsensitive) == 0 &&
+            (line.size() == word.size() || line[word.size()] == u' ' || line[word.size()] == u'\t' ||
+             line[word.size()] == u'\r' || line[word.size()] == u'\n'))
+            return true;
+    }
+    return false;
+}
+
 // The steps over one stretch of code; `front` and `back` say whether it begins or ends the body.
 //
 // The first three steps (line ends and tabs to blanks) run on their own: a new blank may merge
@@ -48,7 +67,11 @@ QString flattenedCode(QStringView code, bool front, bool back)
     blanks.reserve(code.size());
     for (qsizetype i = 0; i < code.size(); ++i) {
         const QChar c = code[i];
-        if (c == u'\r' && i + 1 < code.size() && code[i + 1] == u'\n') {
+        const qsizetype lineEnd = c == u'\r' && i + 1 < code.size() && code[i + 1] == u'\n' ? 2 : c == u'\n';
+        if (lineEnd > 0 && beginsClientCommand(code.sliced(i + lineEnd))) {
+            blanks.append(code.sliced(i, lineEnd));
+            i += lineEnd - 1;
+        } else if (lineEnd == 2) {
             blanks.append(u' ');
             ++i;
         } else {
@@ -91,21 +114,30 @@ QString flattenedCode(QStringView code, bool front, bool back)
 
 } // namespace
 
-QString flattenSqlBody(QStringView body)
+QString flattenSqlBody(QStringView body, SqlDialectScan::Options options)
 {
     QString result;
     result.reserve(body.size() + body.size() / 4);
     qsizetype codeStart = 0;
-    SqlTokenizer tokenizer(body);
+    SqlTokenizer tokenizer(body, options);
     SqlToken token;
     while (tokenizer.next(token)) {
         if (token.kind != SqlTokenKind::Quoted && token.kind != SqlTokenKind::Comment)
             continue;
         const qsizetype start = token.text.data() - body.data();
         qsizetype end = start + token.text.size();
-        if (token.kind == SqlTokenKind::Comment && end < body.size())
-            ++end; // its line feed
+        if (token.kind == SqlTokenKind::Comment) {
+            // Its line end, with the CRs before it that the comment left out.
+            while (end < body.size() && body[end] == u'\r')
+                ++end;
+            if (end < body.size() && body[end] == u'\n')
+                ++end;
+        }
         result.append(flattenedCode(body.sliced(codeStart, start - codeStart), codeStart == 0, false));
+        // A psql command is one only at the start of its line.
+        if (token.kind == SqlTokenKind::Comment && token.text.front() == u'\\' && !result.isEmpty() &&
+            !result.endsWith(u'\n'))
+            result.append(u'\n');
         result.append(body.sliced(start, end - start));
         codeStart = end;
     }

@@ -14,6 +14,9 @@ public:
     {
         QStringView upper;
         LineRule rule = LineRule::None;
+        // An aggregate's name: a keyword only where it is called ("count(*)"); elsewhere it
+        // names a column and keeps the case it was written in.
+        bool onlyAsCall = false;
     };
 
     // The keyword whose upper-case form equals the upper-case form of `word`, or nullptr.

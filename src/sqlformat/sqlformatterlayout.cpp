@@ -3,19 +3,17 @@
 #include "sqlformatterkeywords.h"
 #include "sqltokenchars.h"
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 void SqlFormatterLayout::beginWithLeadingBlock(QStringView block)
 {
-    // Line ends go at both ends; white space in front would go with the final trim anyway.
+    // Line feeds (and CR LF) go at the end; white space in front would go with the final trim
+    // anyway. Other control characters stay: to a database they end no comment.
     qsizetype end = block.size();
-    while (end > 0) {
-        const QStringView head = block.first(end);
-        const qsizetype length = end > 1 && head[end - 1] == u'\n' && head[end - 2] == u'\r' ? 2 : 1;
-        if (SqlTokenChars::lineEndAt(head, end - length) != length)
-            break;
-        end -= length;
-    }
+    while (end > 0 && block[end - 1] == u'\n')
+        end -= end > 1 && block[end - 2] == u'\r' ? 2 : 1;
     const QStringView trimmed = block.first(end);
     const QStringView visible = trimmed.sliced(SqlTokenChars::trimmedStart(trimmed));
     if (!visible.isEmpty())
@@ -25,6 +23,8 @@ void SqlFormatterLayout::beginWithLeadingBlock(QStringView block)
 
 void SqlFormatterLayout::add(const SqlToken &token)
 {
+    if (token.kind != SqlTokenKind::Word)
+        m_afterAs = false;
     if (token.kind == SqlTokenKind::Punctuation) {
         const char16_t c = token.text[0].unicode();
         if (c == u'(') {
@@ -47,9 +47,12 @@ void SqlFormatterLayout::add(const SqlToken &token)
         startLine();
         pad();
         write(token.text);
+        m_tokenEnd = m_out.size();
         lineFeed();
     } else {
         addWord(token);
+        if (token.kind == SqlTokenKind::Quoted)
+            m_tokenEnd = m_out.size();
     }
     m_previous = 0;
 }
@@ -59,6 +62,13 @@ void SqlFormatterLayout::addWord(const SqlToken &token)
     using Rule = SqlFormatterKeywords::LineRule;
     const SqlFormatterKeywords::Keyword *keyword =
         token.kind == SqlTokenKind::Word ? SqlFormatterKeywords::find(token.text) : nullptr;
+    // Where a keyword stands as a name its case is part of the name: MySQL and SQLite name a
+    // result column as written ("AS count", "select count from t"). Keywords that open a line
+    // can be no alias ("AS SELECT"); aggregates are keywords only as calls.
+    const bool afterAs = std::exchange(m_afterAs, keyword && keyword->upper == u"AS");
+    if (keyword &&
+        ((afterAs && keyword->rule == Rule::None) || (keyword->onlyAsCall && !token.bracketFollows)))
+        keyword = nullptr;
     if (keyword && keyword->rule != Rule::None && m_depth == 0) {
         switch (keyword->rule) {
         case Rule::Select:
@@ -107,14 +117,17 @@ void SqlFormatterLayout::addWord(const SqlToken &token)
 
 void SqlFormatterLayout::finish()
 {
-    m_out.truncate(m_start + SqlTokenChars::trimmedEnd(QStringView(m_out).sliced(m_start)));
+    // White space inside the last token (a string or comment that runs to the text's end) is
+    // part of it.
+    m_out.truncate(
+        std::max(m_tokenEnd, m_start + SqlTokenChars::trimmedEnd(QStringView(m_out).sliced(m_start))));
 }
 
 void SqlFormatterLayout::lineFeed()
 {
     m_ending = Ending::LineFeed;
     if (!nothingWritten())
-        m_out.append(u'\n');
+        m_out.append(m_lineEnd);
 }
 
 void SqlFormatterLayout::startLine()

@@ -10,8 +10,9 @@
 class SqlFormatterLayout
 {
 public:
-    explicit SqlFormatterLayout(QString &out)
+    explicit SqlFormatterLayout(QString &out, QStringView lineEnd = u"\n")
         : m_out(out)
+        , m_lineEnd(lineEnd)
         , m_start(out.size())
     {}
 
@@ -32,11 +33,16 @@ private:
     [[nodiscard]] bool nothingWritten() const { return m_out.size() == m_start; }
 
     QString &m_out;
+    QStringView m_lineEnd;
     qsizetype m_start = 0;
+    // Where the last string or comment written ends: nothing before it is trimmed.
+    qsizetype m_tokenEnd = 0;
     Ending m_ending = Ending::Nothing;
     int m_indent = 0;
     qsizetype m_depth = 0;
     bool m_inSelectList = false;
+    // The previous token was the keyword AS.
+    bool m_afterAs = false;
     // The previous token if it was "(" or ","; the only ones the rules look back at.
     char16_t m_previous = 0;
 };

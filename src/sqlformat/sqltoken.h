@@ -6,8 +6,8 @@
 // from the text; the tokenizer hands it over so that nobody has to.
 enum class SqlTokenKind : quint8 {
     Punctuation, // one of ( ) , ;
-    Comment,     // "--" up to, not including, the line feed
-    Quoted,      // a quoted string or name with both quotes, doubled quotes inside
+    Comment,     // a line comment, up to its line end
+    Quoted,      // a word that holds a string, quoted name or block comment
     Word,        // any other run of characters without white space
 };
 
@@ -16,4 +16,6 @@ struct SqlToken
 {
     QStringView text;
     SqlTokenKind kind = SqlTokenKind::Word;
+    // A word that an opening bracket follows, white space aside: a call.
+    bool bracketFollows = false;
 };

@@ -1,21 +1,21 @@
 #include "sqltokenizer.h"
 
+#include "sqldialectscan.h"
 #include "sqltokenchars.h"
 
 #include <array>
 
 namespace {
 
-enum AsciiClass : quint8 { Plain, Blank, ControlSpace, Dash, Quote, Punctuation };
+enum AsciiClass : quint8 { Plain, Blank, ControlSpace, Opener, Punctuation };
 
 constexpr std::array<quint8, 128> asciiClasses = [] {
     std::array<quint8, 128> classes{};
     classes[' '] = Blank;
     for (char c : {'\t', '\n', '\v', '\f', '\r'})
         classes[size_t(c)] = ControlSpace;
-    classes['-'] = Dash;
-    classes['\''] = Quote;
-    classes['"'] = Quote;
+    for (char c : {'\'', '"', '`', '[', '-', '#', '/', '$', '\\'})
+        classes[size_t(c)] = Opener;
     for (char c : {'(', ')', ',', ';'})
         classes[size_t(c)] = Punctuation;
     return classes;
@@ -32,7 +32,7 @@ bool SqlTokenizer::next(SqlToken &token)
         const qsizetype space = SqlTokenChars::whiteSpaceAt(text, i);
         if (space == 0)
             break;
-        if (m_watchFlattening && i != m_commentLineFeed)
+        if (m_watchFlattening && i != m_commentLineEnd)
             watchWhiteSpace(i, space);
         i += space;
     }
@@ -41,88 +41,101 @@ bool SqlTokenizer::next(SqlToken &token)
         return false;
     }
 
-    qsizetype end = -1;
-    SqlTokenKind kind = SqlTokenKind::Word;
     const char16_t c = text[i].unicode();
-    if (c < 0x80) {
-        switch (asciiClasses[c]) {
-        case Dash:
-            if (SqlTokenChars::isDoubleDash(text, i)) {
-                end = SqlTokenChars::lineFeedFrom(text, i + 2);
-                kind = SqlTokenKind::Comment;
-                m_commentLineFeed = end;
-            }
-            break;
-        case Quote:
-            if (SqlTokenChars::standsAlone(text, i)) {
-                end = quotedEnd(i);
-                kind = SqlTokenKind::Quoted;
-            }
-            break;
-        case Punctuation:
-            if (SqlTokenChars::standsAlone(text, i)) {
-                end = i + 1;
-                kind = SqlTokenKind::Punctuation;
-            }
-            break;
-        default:
-            break;
+    SqlDialectScan::Stretch first;
+    if (c < 0x80 && asciiClasses[c] == Opener) {
+        first = SqlDialectScan::stretchAt(text, i, m_options, i);
+        if (first.kind == SqlDialectScan::StretchKind::LineComment) {
+            token.text = text.sliced(i, first.end - i);
+            token.kind = SqlTokenKind::Comment;
+            m_position = m_commentLineEnd = first.end;
+            return true;
         }
+    } else if (c < 0x80 && asciiClasses[c] == Punctuation && SqlTokenChars::standsAlone(text, i)) {
+        token.text = text.sliced(i, 1);
+        token.kind = SqlTokenKind::Punctuation;
+        m_position = i + 1;
+        return true;
     }
-    if (end < 0)
-        end = wordEnd(i);
+    SqlTokenKind kind = SqlTokenKind::Word;
+    qsizetype end = i;
+    if (first.kind == SqlDialectScan::StretchKind::Inline) {
+        kind = SqlTokenKind::Quoted;
+        end = wordEnd(i, first.end, kind);
+    } else {
+        end = wordEnd(i, i, kind);
+    }
     token.text = text.sliced(i, end - i);
     token.kind = kind;
+    if (kind == SqlTokenKind::Comment) {
+        m_position = m_commentLineEnd = end;
+        return true;
+    }
+    const bool quoted = kind == SqlTokenKind::Quoted;
+    token.bracketFollows = false;
     m_position = end;
+    if (!quoted) {
+        qsizetype k = end;
+        while (k < size) {
+            const qsizetype space = SqlTokenChars::whiteSpaceAt(text, k);
+            if (space == 0)
+                break;
+            k += space;
+        }
+        token.bracketFollows = k < size && text[k] == u'(' && SqlTokenChars::standsAlone(text, k);
+    }
     return true;
 }
 
-// A quote closes at the next quote of the same kind, unless a second one follows at once: a
-// doubled quote belongs to the string ('it''s' is one token, as SQL reads it).
-qsizetype SqlTokenizer::quotedEnd(qsizetype start) const
-{
-    const QStringView text = m_text;
-    const QChar quote = text[start];
-    for (qsizetype k = start + 1;; ++k) {
-        k = text.indexOf(quote, k);
-        if (k < 0)
-            return text.size();
-        if (!SqlTokenChars::standsAlone(text, k))
-            continue;
-        if (k + 1 < text.size() && text[k + 1] == quote && SqlTokenChars::boundaryAfter(text, k + 1)) {
-            ++k;
-            continue;
-        }
-        return k + 1;
-    }
-}
-
-qsizetype SqlTokenizer::wordEnd(qsizetype start) const
+// A word runs to white space, a bracket, comma or semicolon that stands alone, or a line
+// comment. Strings, quoted names and block comments inside it are taken whole, so that a
+// prefix stays on its quote (N'x', E'x', _utf8'x', q'[x]') and a name on its subscript.
+// A stretch that opens with a quote but, as some dialect reads on, ends in a line comment
+// still keeps its prefix: the word becomes a comment token. So does a line comment behind a
+// dash.
+qsizetype SqlTokenizer::wordEnd(qsizetype start, qsizetype from, SqlTokenKind &kind) const
 {
     const QStringView text = m_text;
     const qsizetype size = text.size();
-    // The first character belongs to the word whatever it is: it was not read as anything else.
-    for (qsizetype j = start + 1; j < size; ++j) {
+    qsizetype codeStart = from; // behind the last stretch in the word
+    for (qsizetype j = from; j < size;) {
         const char16_t c = text[j].unicode();
         if (c >= 0x80) {
-            if (SqlTokenChars::isOtherSpace(c) && SqlTokenChars::whiteSpaceAt(text, j) > 0)
+            if (j > start && SqlTokenChars::isOtherSpace(c) && SqlTokenChars::whiteSpaceAt(text, j) > 0)
                 return j;
+            ++j;
             continue;
         }
         switch (asciiClasses[c]) {
         case Plain:
             break;
         case ControlSpace:
-            return j;
-        case Dash:
-            if (SqlTokenChars::isDoubleDash(text, j))
+            if (j > start)
                 return j;
             break;
-        default:
-            if (SqlTokenChars::standsAlone(text, j))
+        case Opener: {
+            const SqlDialectScan::Stretch stretch = SqlDialectScan::stretchAt(text, j, m_options, codeStart);
+            if (stretch.kind == SqlDialectScan::StretchKind::LineComment) {
+                // A dash right before it stays: "--" with a blank or line end behind it would
+                // be a comment to MySQL.
+                if (c != u'\'' && c != u'"' && text[j - 1] != u'-')
+                    return j;
+                kind = SqlTokenKind::Comment;
+                return stretch.end;
+            }
+            if (stretch.kind == SqlDialectScan::StretchKind::Inline) {
+                kind = SqlTokenKind::Quoted;
+                j = codeStart = stretch.end;
+                continue;
+            }
+            break;
+        }
+        default: // a blank or punctuation
+            if (j > start && SqlTokenChars::standsAlone(text, j))
                 return j;
             break;
         }
+        ++j;
     }
     return size;
 }

@@ -51,7 +51,9 @@ std::optional<QByteArray> formatted(QByteArrayView bytes)
     QByteArray out = hasMark ? byteOrderMark.toByteArray() : QByteArray();
     if (!result.isEmpty()) {
         out.append(result.toUtf8());
-        out.append('\n');
+        // The same line end as the formatter's own: a CR LF text keeps CR LF.
+        const qsizetype firstFeed = text.indexOf(u'\n');
+        out.append(firstFeed > 0 && text[firstFeed - 1] == u'\r' ? "\r\n" : "\n");
     }
     return out;
 }
@@ -175,10 +177,13 @@ int main(int argc, char *argv[])
     parser.setApplicationDescription(
         u"Formats SQL the way the Varnholt editor's Format command does: one statement after the\n"
         "other with a blank line between them, keywords in capitals, clauses on lines of their own.\n"
-        "Quoted strings and comments are kept exactly as written.\n"
+        "Strings, quoted names and comments of PostgreSQL, MySQL, SQL Server, Oracle and SQLite\n"
+        "are kept exactly as written, and client lines (GO, DELIMITER, psql commands and COPY\n"
+        "data, SQL*Plus / and rem) stand as they are.\n"
         "\n"
         "Formats each FILE, or standard input when there is none (or for \"-\"), and writes the\n"
-        "result to standard output. The result ends with one line feed; a UTF-8 byte order mark\n"
+        "result to standard output. The result ends with one line end (CR LF when the text's first\n"
+        "line ends so, as all the line ends it makes); a UTF-8 byte order mark\n"
         "at the start is kept.\n"
         "\n"
         "Exit status: 0 on success; 1 when --check finds a file that would change; 2 on an error\n"

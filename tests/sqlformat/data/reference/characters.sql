@@ -14,5 +14,5 @@ WHERE 名前 = '山田　太郎';
 SELECT 'Ünïcödé ❤',
     x
 FROM t
-WHERE y = 'Ελληνικά'
+WHERE y ='Ελληνικά'
     AND z = 'русский';

@@ -1,7 +1,3 @@
-SELECT x'́,
-    y
-FROM t;
-
 SELECT a,́ b
 FROM t;
 
@@ -10,3 +6,7 @@ FROM t;
 
 SELECT ؀(1)
 FROM t;
+
+-- A quote with a mark on it is still a quote to the database: the rest is its string.
+SELECT x'́, y from t;
+

@@ -4,7 +4,7 @@
 CREATE VIEW customer_list AS
 SELECT cu.customer_id AS ID,
     -- the key
-CONCAT(cu.first_name, _utf8 ' ', cu.last_name) AS name,
+CONCAT(cu.first_name, _utf8' ', cu.last_name) AS name,
     -- it's not "a;b"
 a.address AS address
 FROM customer AS cu

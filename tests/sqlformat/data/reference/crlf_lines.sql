@@ -1,7 +1,8 @@
 SELECT a,
     b
     -- first
+
 FROM t
 WHERE a = 1;
 
-select 2;
+SELECT 2;

@@ -1,5 +1,5 @@
 INSERT INTO `Artist`(`ArtistId`, `Name`)
-VALUES(1, N 'AC/DC'),(2, N 'Accept'),(3, 'Guns N'' Roses');
+VALUES(1, N'AC/DC'),(2, N'Accept'),(3, 'Guns N'' Roses');
 
 INSERT INTO `Track`(`TrackId`, `Name`, `Composer`, `UnitPrice`)
 VALUES(1, 'For Those About To Rock (We Salute You)', 'Angus Young, Malcolm Young, Brian Johnson', 0.99),(2, 'It''s a Long Way to the Top (If You Wanna Rock ''n'' Roll)', NULL, 0.99),(3, 'Rock;Roll -- the B side', 'O''Brien;  Smith', 1.99);

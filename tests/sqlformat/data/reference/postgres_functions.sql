@@ -1,9 +1,9 @@
 \c chinook;
 
-CREATE FUNCTION last_updated() RETURNS TRIGGER LANGUAGE plpgsql AS $$ BEGIN NEW.last_update = CURRENT_TIMESTAMP;
-
-RETURN NEW;
-
+CREATE FUNCTION last_updated() RETURNS TRIGGER LANGUAGE plpgsql AS $$
+BEGIN
+    NEW.last_update = CURRENT_TIMESTAMP;
+    RETURN NEW;
 END $$;
 
 COMMENT

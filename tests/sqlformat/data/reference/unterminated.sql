@@ -6,3 +6,4 @@ SELECT a
 FROM t
 WHERE b = 'unterminated;
   and c = 1
+

@@ -14,15 +14,6 @@ constexpr std::array<Dialect, 5> dialects = {Dialect::Postgres, Dialect::MySql, 
 constexpr Dialect mySqlOnly = Dialect::MySql;
 constexpr Dialect postgresOnly = Dialect::Postgres;
 
-// A character that can stand in an unquoted name (PostgreSQL and MySQL allow "$" there; white
-// space beyond ASCII is white space to the formatter, as to its rules), so
-// that a quote or "$" behind it belongs to what it started.
-bool isNameChar(char16_t c)
-{
-    return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || (c >= u'0' && c <= u'9') || c == u'_' ||
-           c == u'$' || (c >= 0x80 && !QChar::isSpace(c));
-}
-
 // The letter at `i` is a one-letter prefix standing against what follows: it begins the code
 // behind a stretch, or nothing of a name stands in front of it (Oracle's names may also hold
 // "#").

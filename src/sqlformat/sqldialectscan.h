@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QChar>
 #include <QStringView>
 
 // What of a SQL text no common dialect lets the formatter touch, and where its pieces end.
@@ -36,6 +37,15 @@ struct Options
     enum class Client : quint8 { Any, MySql, Psql };
     Client client = Client::Any;
 };
+
+// A character that can stand in an unquoted name (PostgreSQL and MySQL allow "$" there; white
+// space beyond ASCII is white space to the formatter, as to its rules), so that a quote or "$"
+// behind it belongs to what it started.
+[[nodiscard]] inline bool isNameChar(char16_t c)
+{
+    return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || (c >= u'0' && c <= u'9') || c == u'_' ||
+           c == u'$' || (c >= 0x80 && !QChar::isSpace(c));
+}
 
 // Whether a protected stretch may begin with this character.
 [[nodiscard]] inline bool mayOpen(char16_t c)

@@ -18,12 +18,6 @@ bool isBlank(char16_t c)
     return c == u' ' || c == u'\t';
 }
 
-bool isNameChar(char16_t c)
-{
-    return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || (c >= u'0' && c <= u'9') || c == u'_' ||
-           c == u'$' || (c >= 0x80 && !QChar::isSpace(c));
-}
-
 // The word `word` (ASCII) stands at `i`, ignoring case, and is not part of a longer name.
 bool wordAt(QStringView text, qsizetype i, QLatin1StringView word)
 {
@@ -31,7 +25,7 @@ bool wordAt(QStringView text, qsizetype i, QLatin1StringView word)
         text.sliced(i, word.size()).compare(word, Qt::CaseInsensitive) != 0)
         return false;
     const qsizetype after = i + word.size();
-    return after == text.size() || !isNameChar(text[after].unicode());
+    return after == text.size() || !SqlDialectScan::isNameChar(text[after].unicode());
 }
 
 qsizetype skipBlanks(QStringView text, qsizetype i)
@@ -151,7 +145,7 @@ bool opensBlock(QStringView text, qsizetype i)
 }
 
 // Skips the white space and comments at `i`.
-qsizetype codeFrom(QStringView text, qsizetype i, SqlDialectScan::Options options)
+qsizetype skipWhiteSpaceAndComments(QStringView text, qsizetype i, SqlDialectScan::Options options)
 {
     for (;;) {
         i = skipWhiteSpace(text, i);
@@ -167,7 +161,7 @@ qsizetype codeFrom(QStringView text, qsizetype i, SqlDialectScan::Options option
 // psql's "COPY ... FROM stdin": its data follows on the next lines.
 bool copiesFromStdin(QStringView statement, SqlDialectScan::Options options)
 {
-    const qsizetype code = codeFrom(statement, 0, options);
+    const qsizetype code = skipWhiteSpaceAndComments(statement, 0, options);
     if (!wordAt(statement, code, "COPY"_L1))
         return false;
     SqlTokenizer tokenizer(statement.sliced(code), options);
@@ -177,7 +171,8 @@ bool copiesFromStdin(QStringView statement, SqlDialectScan::Options options)
             continue;
         for (qsizetype k = token.text.indexOf("stdin"_L1, 0, Qt::CaseInsensitive); k >= 0;
              k = token.text.indexOf("stdin"_L1, k + 5, Qt::CaseInsensitive)) {
-            if (wordAt(token.text, k, "STDIN"_L1) && (k == 0 || !isNameChar(token.text[k - 1].unicode())))
+            if (wordAt(token.text, k, "STDIN"_L1) &&
+                (k == 0 || !SqlDialectScan::isNameChar(token.text[k - 1].unicode())))
                 return true;
         }
     }

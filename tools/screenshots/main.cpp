@@ -36,8 +36,9 @@ void prepareStore(DataStore *store)
         {u"用户留存分析"_s, u"SELECT u.id, u.username FROM users u WHERE u.created_at > '2026-01-01';"_s},
         {u"在庫レポート"_s, u"SELECT sku, SUM(qty) FROM stock GROUP BY sku HAVING SUM(qty) < 10;"_s},
         {u"Schema: orders"_s,
-         u"CREATE TABLE orders (\n    id BIGINT PRIMARY KEY,\n    user_id INT NOT NULL,\n"
-         "    total DECIMAL(10, 2),\n    status VARCHAR(20) DEFAULT 'new'\n);"_s},
+         u"/* Orders as the shop writes them;\n   totals in the shop's currency */\n"
+         "CREATE TABLE orders (\n    id BIGINT PRIMARY KEY,\n    user_id INT NOT NULL,\n"
+         "    total DECIMAL(10, 2),\n    status VARCHAR(20) DEFAULT 'new' -- 'paid' once settled\n);"_s},
     };
     // Made over the last days, so that the sidebar shows real ages.
     QDateTime when = QDateTime::currentDateTimeUtc().addDays(-3);

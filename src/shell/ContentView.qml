@@ -153,9 +153,10 @@ Item {
     Component {
         id: versionPanel
 
-        EmptyPanel {
-            title: Tr.t("Version History", "版本历史", "バージョン履歴")
+        VersionHistoryView {
+            objectName: "versionPanel"
             onCloseRequested: content.setShowVersionHistory(false)
+            onRestoreRequested: versionId => controller.restoreVersion(versionId)
         }
     }
 

@@ -46,6 +46,39 @@ void ContentController::reloadEditor()
     });
 }
 
+void ContentController::keepTypedText(const QUuid &documentId, const QString &note)
+{
+    const std::optional<SQLDocument> document = m_store->document(documentId);
+    if (!document)
+        return;
+    const QList<SQLVersion> versions = m_store->versionsForDocument(documentId);
+    if (versions.isEmpty() || versions.constFirst().content != document->content)
+        m_store->saveVersion(documentId, note);
+}
+
+void ContentController::restoreVersion(const QString &versionId)
+{
+    const QUuid documentId = m_store->selectedDocumentId();
+    const QUuid id(versionId);
+    // What was typed last is part of the text that is kept.
+    if (m_editor)
+        m_editor->syncNow();
+    const QList<SQLVersion> versions = m_store->versionsForDocument(documentId);
+    const auto found = std::find_if(versions.cbegin(), versions.cend(),
+                                    [&id](const SQLVersion &version) { return version.id == id; });
+    if (documentId.isNull() || found == versions.cend())
+        return;
+    const SQLVersion version = *found;
+    if (const std::optional<SQLDocument> document = m_store->document(documentId);
+        document && document->content != version.content) {
+        keepTypedText(
+            documentId,
+            localized(u"Before restoring v%1", u"恢复 v%1 之前", u"v%1 復元前").arg(version.versionNumber));
+    }
+    m_store->restoreVersion(version);
+    reloadEditor();
+}
+
 void ContentController::applySQL(const QString &sql)
 {
     const QUuid id = m_store->selectedDocumentId();
@@ -54,13 +87,10 @@ void ContentController::applySQL(const QString &sql)
     // What was typed last is part of the text that is kept.
     if (m_editor)
         m_editor->syncNow();
-    if (const std::optional<SQLDocument> document = m_store->document(id)) {
-        if (document->content == sql)
-            return;
-        const QList<SQLVersion> versions = m_store->versionsForDocument(id);
-        if (versions.isEmpty() || versions.constFirst().content != document->content)
-            m_store->saveVersion(id, localized(u"Before applying AI SQL", u"应用 AI SQL 之前", u"AI SQL 適用前"));
-    }
+    const std::optional<SQLDocument> document = m_store->document(id);
+    if (document && document->content == sql)
+        return;
+    keepTypedText(id, localized(u"Before applying AI SQL", u"应用 AI SQL 之前", u"AI SQL 適用前"));
     if (m_editor && m_editor->documentIdText() == id.toString(QUuid::WithoutBraces).toUpper() &&
         m_editor->replaceText(sql)) {
         m_store->saveData();

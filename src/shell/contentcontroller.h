@@ -11,7 +11,8 @@ class SQLEditorController;
 
 // The two ways text reaches the editor from outside it (a restored version, SQL applied
 // from the assistant). A restore changes the store, then makes the selection leave and come
-// back 50 ms later, so that the editor reloads the selected document.
+// back 50 ms later, so that the editor reloads the selected document. Both first keep the
+// text they replace as a version, unless the latest version holds it already.
 //
 // Applied SQL first keeps the text it replaces as a version (unless the latest version holds
 // it already), then replaces the editor's text as one edit that Undo takes back; without an
@@ -41,6 +42,9 @@ public:
     Q_INVOKABLE void reloadEditor();
     // Puts `sql` into the selected document and the editor; nothing without a selection.
     Q_INVOKABLE void applySQL(const QString &sql);
+    // Restores a version of the selected document (its id as text) and reloads the editor.
+    // Typing not yet in a version is kept as one first, so that the restore loses nothing.
+    Q_INVOKABLE void restoreVersion(const QString &versionId);
 
 Q_SIGNALS:
     void editorContentTriggerChanged();
@@ -48,6 +52,10 @@ Q_SIGNALS:
     void editorChanged();
 
 private:
+    // Saves the document's text (with the editor's last typing) as a version, unless the latest
+    // version holds it already.
+    void keepTypedText(const QUuid &documentId, const QString &note);
+
     DataStore *m_store = nullptr;
     QPointer<SQLEditorController> m_editor;
     int m_editorContentTrigger = 0;

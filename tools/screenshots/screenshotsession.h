@@ -39,4 +39,5 @@ void shootShellScenes(ScreenshotSession &session);
 void shootAssistantScenes(ScreenshotSession &session);
 void shootStoreScenes(ScreenshotSession &session);
 void shootSettingsScenes(ScreenshotSession &session);
+void shootVersionScenes(ScreenshotSession &session);
 void shootEmptyStoreScene(ScreenshotSession &session);

@@ -1,0 +1,336 @@
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Layouts
+import Varnholt
+
+// One version read in full: number, note and date, the text in colour and selectable, the
+// neighbouring versions by button and by arrow key (left is older), Copy, and a restore after a
+// confirmation. It knows nothing of the store: the panel gives the version and its place.
+SheetFrame {
+    id: sheet
+
+    // versionNumber, note, content, formattedDate, characterCount, id (VersionListModel.versionAt)
+    required property var version
+    required property int index
+    required property int total
+    property bool isCopied: false
+
+    readonly property bool isLatest: index === 0
+    readonly property bool canGoOlder: index + 1 < total
+    readonly property bool canGoNewer: index > 0
+    readonly property color accent: isLatest ? Theme.green : Theme.cyan
+
+    signal closeRequested
+    signal olderRequested
+    signal newerRequested
+    signal restoreRequested
+
+    // A second copy within the two seconds starts a second delay; the first to end clears.
+    function copyText() {
+        Clipboard.setText(version.content)
+        isCopied = true
+        copiedDelay.createObject(sheet)
+    }
+
+    width: 720
+    height: 520
+    padding: 0
+    visible: true
+    closePolicy: Popup.NoAutoClose
+    onCancelRequested: closeRequested()
+    onClosed: closeRequested()
+    onOpened: body.forceActiveFocus()
+    Accessible.role: Accessible.Dialog
+    Accessible.name: "v" + version.versionNumber
+
+    Component {
+        id: copiedDelay
+
+        Timer {
+            interval: 2000
+            running: true
+            onTriggered: {
+                sheet.isCopied = false
+                destroy()
+            }
+        }
+    }
+
+    contentItem: FocusScope {
+        id: body
+
+        focus: true
+        // The arrows and Escape are taken whatever they can do.
+        Keys.onLeftPressed: {
+            if (sheet.canGoOlder)
+                sheet.olderRequested()
+        }
+        Keys.onRightPressed: {
+            if (sheet.canGoNewer)
+                sheet.newerRequested()
+        }
+        Keys.onEscapePressed: sheet.closeRequested()
+
+        ColumnLayout {
+            anchors.fill: parent
+            spacing: 0
+
+            RowLayout {
+                Layout.fillWidth: true
+                Layout.leftMargin: 20
+                Layout.rightMargin: 20
+                Layout.topMargin: 14
+                Layout.bottomMargin: 14
+                spacing: 12
+
+                Rectangle {
+                    implicitWidth: badgeRow.implicitWidth + 20
+                    implicitHeight: badgeRow.implicitHeight + 12
+                    radius: 6
+                    color: Theme.withOpacity(sheet.accent, 0.1)
+
+                    Row {
+                        id: badgeRow
+
+                        anchors.centerIn: parent
+                        spacing: 6
+
+                        Label {
+                            anchors.verticalCenter: parent.verticalCenter
+                            text: "v" + sheet.version.versionNumber
+                            font.family: Theme.monospaceFamily
+                            font.pixelSize: 14
+                            font.weight: Font.DemiBold
+                            color: sheet.accent
+                        }
+                        Label {
+                            anchors.verticalCenter: parent.verticalCenter
+                            visible: sheet.isLatest
+                            text: Tr.t("Latest", "最新", "最新")
+                            font.pixelSize: Theme.caption2Size
+                            font.weight: Font.Medium
+                            color: "white"
+                            leftPadding: 6
+                            rightPadding: 6
+                            topPadding: 2
+                            bottomPadding: 2
+                            background: Rectangle {
+                                radius: height / 2
+                                color: Theme.green
+                            }
+                        }
+                    }
+                }
+                ColumnLayout {
+                    Layout.fillWidth: true
+                    spacing: 2
+
+                    Label {
+                        objectName: "versionNote"
+                        visible: sheet.version.note !== ""
+                        Layout.fillWidth: true
+                        text: sheet.version.note
+                        elide: Text.ElideRight
+                        font.pixelSize: Theme.subheadlineSize
+                        font.weight: Font.Medium
+                        color: Theme.label
+                    }
+                    Label {
+                        text: sheet.version.formattedDate
+                        font.pixelSize: Theme.captionSize
+                        color: Theme.secondaryLabel
+                    }
+                }
+                SheetNavigationButton {
+                    objectName: "olderButton"
+                    enabled: sheet.canGoOlder
+                    iconName: "chevron.left"
+                    text: Tr.t("Previous Version", "上一版本", "前のバージョン") + " (←)"
+                    onClicked: sheet.olderRequested()
+                }
+                Label {
+                    objectName: "position"
+                    text: (sheet.index + 1) + "/" + sheet.total
+                    font.pixelSize: Theme.captionSize
+                    font.weight: Font.Medium
+                    color: Theme.secondaryLabel
+                }
+                SheetNavigationButton {
+                    objectName: "newerButton"
+                    enabled: sheet.canGoNewer
+                    iconName: "chevron.right"
+                    text: Tr.t("Next Version", "下一版本", "次のバージョン") + " (→)"
+                    onClicked: sheet.newerRequested()
+                }
+                HeaderIconButton {
+                    objectName: "closeButton"
+                    iconName: "xmark"
+                    iconSize: 11
+                    circled: true
+                    text: Tr.t("Close", "关闭", "閉じる") + " (Esc)"
+                    onClicked: sheet.closeRequested()
+                }
+            }
+
+            Rectangle {
+                Layout.fillWidth: true
+                implicitHeight: 1
+                color: Theme.separator
+            }
+
+            Rectangle {
+                Layout.fillWidth: true
+                Layout.fillHeight: true
+                color: Theme.textBackground
+
+                ColumnLayout {
+                    objectName: "noContent"
+                    visible: sheet.version.content === ""
+                    anchors.centerIn: parent
+                    spacing: 12
+
+                    Icon {
+                        Layout.alignment: Qt.AlignHCenter
+                        name: "doc.text"
+                        color: Theme.quaternaryLabel
+                        size: 32
+                    }
+                    Label {
+                        text: Tr.t("This version has no content", "此版本无内容", "このバージョンには内容がありません")
+                        font.pixelSize: Theme.subheadlineSize
+                        color: Theme.secondaryLabel
+                    }
+                }
+
+                ScrollView {
+                    id: scroller
+
+                    visible: sheet.version.content !== ""
+                    anchors.fill: parent
+                    contentWidth: availableWidth
+
+                    TextEdit {
+                        id: versionText
+
+                        objectName: "versionText"
+                        width: scroller.availableWidth
+                        padding: 20
+                        readOnly: true
+                        selectByMouse: true
+                        selectByKeyboard: true
+                        activeFocusOnPress: false
+                        textFormat: TextEdit.PlainText
+                        wrapMode: TextEdit.Wrap
+                        text: sheet.version.content
+                        color: Theme.label
+                        selectionColor: Theme.withOpacity(Theme.cyan, 0.35)
+                        selectedTextColor: Theme.label
+                        font.family: Theme.monospaceFamily
+                        font.pointSize: Theme.codePointSize + 1
+                        Accessible.role: Accessible.EditableText
+                        Accessible.readOnly: true
+                        Accessible.name: Tr.t("Version text", "版本内容", "バージョンの内容")
+
+                        SQLCodeColouring {
+                            textDocument: versionText.textDocument
+                            plainColor: Theme.label
+                            commentColor: Theme.secondaryLabel
+                            fontSize: versionText.font.pointSize
+                        }
+                    }
+                }
+            }
+
+            Rectangle {
+                Layout.fillWidth: true
+                implicitHeight: 1
+                color: Theme.separator
+            }
+
+            RowLayout {
+                Layout.fillWidth: true
+                Layout.leftMargin: 20
+                Layout.rightMargin: 20
+                Layout.topMargin: 12
+                Layout.bottomMargin: 12
+                spacing: 10
+
+                Row {
+                    spacing: 4
+
+                    Icon {
+                        anchors.verticalCenter: parent.verticalCenter
+                        name: "character.cursor.ibeam"
+                        color: Theme.tertiaryLabel
+                        size: 10
+                    }
+                    Label {
+                        objectName: "characterCount"
+                        text: sheet.version.characterCount + " " + Tr.t("characters", "字符", "文字")
+                        font.pixelSize: Theme.captionSize
+                        color: Theme.tertiaryLabel
+                    }
+                }
+                Item {
+                    Layout.fillWidth: true
+                }
+                SheetButton {
+                    objectName: "copyButton"
+                    enabled: sheet.version.content !== ""
+                    text: sheet.isCopied ? Tr.t("Copied", "已复制", "コピーしました") : Tr.t("Copy", "复制", "コピー")
+                    onClicked: sheet.copyText()
+                }
+                SheetButton {
+                    objectName: "restoreButton"
+                    text: Tr.t("Restore to this version", "恢复到此版本", "このバージョンに復元")
+                    tint: Theme.cyan
+                    onClicked: restoreAlert.open()
+                }
+            }
+        }
+    }
+
+    ConfirmationAlert {
+        id: restoreAlert
+
+        objectName: "restoreAlert"
+        title: Tr.t("Confirm Restore", "确认恢复", "復元の確認")
+        message: Tr.t("Restore current content to this version. This will create a new version record.",
+                      "将当前内容恢复到此版本，此操作会创建一个新的版本记录。",
+                      "現在の内容をこのバージョンに復元します。新しいバージョン記録が作成されます。")
+        confirmText: Tr.t("Restore to this version", "恢复到此版本", "このバージョンに復元")
+        onConfirmed: sheet.restoreRequested()
+        onClosed: body.forceActiveFocus()
+    }
+
+    component SheetNavigationButton: AbstractButton {
+        id: navigationButton
+
+        required property string iconName
+
+        implicitWidth: 32
+        implicitHeight: 28
+        hoverEnabled: true
+        focusPolicy: Qt.TabFocus
+        Accessible.name: text
+        Accessible.onPressAction: clicked()
+        ToolTip.visible: hovered
+        ToolTip.delay: 500
+        ToolTip.text: text
+
+        contentItem: Item {
+            Icon {
+                anchors.centerIn: parent
+                name: navigationButton.iconName
+                color: navigationButton.enabled ? Theme.label : Theme.quaternaryLabel
+                size: 11
+            }
+        }
+        background: Rectangle {
+            radius: 6
+            color: Theme.controlBackground
+            border.width: navigationButton.visualFocus ? 2 : 0
+            border.color: Theme.withOpacity(Theme.cyan, 0.8)
+        }
+    }
+}

@@ -1,0 +1,134 @@
+#include "clock.h"
+#include "contentcontroller.h"
+#include "datastore.h"
+#include "sqleditorcontroller.h"
+#include "versionlistmodel.h"
+
+#include <QAbstractItemModelTester>
+#include <QSettings>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+// The history panel's list over a real store, and restoring through the window's controller.
+class TestVersionHistory : public QObject
+{
+    Q_OBJECT
+
+private:
+    QTemporaryDir m_dir;
+    QDateTime m_now = QDateTime(QDate(2026, 11, 23), QTime(9, 0), Qt::UTC);
+
+    static QList<qint64> numbers(const VersionListModel &model)
+    {
+        QList<qint64> result;
+        for (int row = 0; row < model.rowCount(); ++row)
+            result.append(model.data(model.index(row), VersionListModel::VersionNumberRole).toLongLong());
+        return result;
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        Clock::setNowFunction([this] { return m_now; });
+    }
+    void cleanup() { Clock::setNowFunction({}); }
+
+    // Newest first, only the selected document's, the latest marked; following the store.
+    void listsTheSelectedDocument()
+    {
+        QSettings settings(m_dir.filePath(u"list.ini"_s), QSettings::IniFormat);
+        DataStore store(m_dir.filePath(u"list"_s), &settings);
+        const SQLDocument orders = store.createDocument(u"Orders"_s, u"SELECT 1;"_s);
+        const SQLDocument other = store.createDocument(u"Other"_s, u"SELECT 2;"_s);
+        store.setSelectedDocumentId(orders.id);
+        VersionListModel model(&store);
+        QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        QCOMPARE(model.rowCount(), 0);
+
+        for (int i = 0; i < 3; ++i) {
+            m_now = m_now.addSecs(60);
+            store.updateDocumentContent(orders.id, u"SELECT %1;"_s.arg(i));
+            store.saveVersion(orders.id, u"note %1"_s.arg(i));
+        }
+        store.saveVersion(other.id, u"elsewhere"_s);
+        QCOMPARE(numbers(model), (QList<qint64>{3, 2, 1}));
+        QCOMPARE(model.data(model.index(0), VersionListModel::NoteRole).toString(), u"note 2"_s);
+        QVERIFY(model.data(model.index(0), VersionListModel::IsLatestRole).toBool());
+        QVERIFY(!model.data(model.index(1), VersionListModel::IsLatestRole).toBool());
+        QCOMPARE(model.versionAt(2).value(u"content"_s).toString(), u"SELECT 0;"_s);
+        QCOMPARE(model.versionAt(2).value(u"characterCount"_s).toInt(), 9);
+        QVERIFY(model.versionAt(3).isEmpty());
+
+        store.setSelectedDocumentId(other.id);
+        QCOMPARE(numbers(model), QList<qint64>{1});
+        store.setSelectedDocumentId({});
+        QCOMPARE(model.rowCount(), 0);
+        model.clearAll(); // nothing selected: nothing happens
+        QCOMPARE(store.versionsForDocument(other.id).size(), 1);
+    }
+
+    // Restoring version 2 of 5 puts the typing not yet kept into version 6, the restored text
+    // into version 7, and reloads the editor by leaving the document and coming back.
+    void restoreKeepsTheTyping()
+    {
+        QSettings settings(m_dir.filePath(u"restore.ini"_s), QSettings::IniFormat);
+        DataStore store(m_dir.filePath(u"restore"_s), &settings);
+        const SQLDocument document = store.createDocument(u"Orders"_s, QString());
+        store.setSelectedDocumentId(document.id);
+        for (int i = 1; i <= 5; ++i) {
+            store.updateDocumentContent(document.id, u"SELECT %1;"_s.arg(i));
+            store.saveVersion(document.id, QString());
+        }
+        store.updateDocumentContent(document.id, u"SELECT 'typed, not kept';"_s);
+        VersionListModel model(&store);
+        ContentController controller(&store);
+        QSignalSpy selection(&store, &DataStore::selectedDocumentIdChanged);
+
+        const QString second = model.data(model.index(3), VersionListModel::IdRole).toString();
+        controller.restoreVersion(second);
+        // The reload: the selection leaves at once and comes back after 50 ms.
+        QCOMPARE(store.selectedDocumentId(), QUuid());
+        QTRY_COMPARE_WITH_TIMEOUT(store.selectedDocumentId(), document.id, 1000);
+        QCOMPARE(selection.count(), 2);
+        QCOMPARE(numbers(model), (QList<qint64>{7, 6, 5, 4, 3, 2, 1}));
+        QCOMPARE(store.document(document.id)->content, u"SELECT 2;"_s);
+        QCOMPARE(model.versionAt(1).value(u"content"_s).toString(), u"SELECT 'typed, not kept';"_s);
+        QCOMPARE(model.versionAt(1).value(u"note"_s).toString(), u"Before restoring v2"_s);
+        QCOMPARE(model.versionAt(0).value(u"note"_s).toString(), u"从 v2 恢复"_s);
+
+        // Restoring the text the document already holds keeps nothing twice.
+        controller.restoreVersion(model.data(model.index(0), VersionListModel::IdRole).toString());
+        QTRY_COMPARE_WITH_TIMEOUT(store.selectedDocumentId(), document.id, 1000);
+        QCOMPARE(numbers(model).constFirst(), 8);
+        QCOMPARE(model.versionAt(1).value(u"note"_s).toString(), u"从 v2 恢复"_s);
+
+        // An unknown id changes nothing.
+        controller.restoreVersion(QUuid::createUuid().toString());
+        QCOMPARE(numbers(model).constFirst(), 8);
+    }
+
+    // After clearing, numbering starts again at 1.
+    void clearStartsAgain()
+    {
+        QSettings settings(m_dir.filePath(u"clear.ini"_s), QSettings::IniFormat);
+        DataStore store(m_dir.filePath(u"clear"_s), &settings);
+        const SQLDocument document = store.createDocument(u"Orders"_s, u"SELECT 1;"_s);
+        store.setSelectedDocumentId(document.id);
+        store.saveVersion(document.id, QString());
+        store.saveVersion(document.id, QString());
+        VersionListModel model(&store);
+        QSignalSpy count(&model, &VersionListModel::countChanged);
+        model.clearAll();
+        QCOMPARE(model.rowCount(), 0);
+        QCOMPARE(count.count(), 1);
+        QCOMPARE(store.document(document.id)->content, u"SELECT 1;"_s);
+        store.saveVersion(document.id, QString());
+        QCOMPARE(numbers(model), QList<qint64>{1});
+    }
+};
+
+QTEST_MAIN(TestVersionHistory)
+#include "tst_versionhistory.moc"

@@ -18,11 +18,11 @@ SheetFrame {
     onCancelRequested: close()
     onAcceptRequested: confirmButton.clicked()
     onOpened: cancelButton.forceActiveFocus()
-    Accessible.role: Accessible.AlertMessage
-    Accessible.name: title
 
     contentItem: ColumnLayout {
         spacing: 16
+        Accessible.role: Accessible.AlertMessage
+        Accessible.name: alert.title
 
         Label {
             Layout.fillWidth: true

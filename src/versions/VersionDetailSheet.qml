@@ -19,6 +19,10 @@ SheetFrame {
     readonly property bool canGoOlder: index + 1 < total
     readonly property bool canGoNewer: index > 0
     readonly property color accent: isLatest ? Theme.green : Theme.cyan
+    // Past this many characters a text item would lay the whole text out before its first frame
+    // (about a second for a megabyte); the text is shown line by line instead, selectable within
+    // a line, and Copy takes it whole.
+    readonly property bool showsLines: version.content.length > 100000
 
     signal closeRequested
     signal olderRequested
@@ -40,8 +44,14 @@ SheetFrame {
     onCancelRequested: closeRequested()
     onClosed: closeRequested()
     onOpened: body.forceActiveFocus()
-    Accessible.role: Accessible.Dialog
-    Accessible.name: "v" + version.versionNumber
+
+    VersionTextLines {
+        id: lines
+
+        text: sheet.showsLines ? sheet.version.content : ""
+        plainColor: Theme.label
+        commentColor: Theme.secondaryLabel
+    }
 
     Component {
         id: copiedDelay
@@ -60,6 +70,8 @@ SheetFrame {
         id: body
 
         focus: true
+        Accessible.role: Accessible.Dialog
+        Accessible.name: "v" + sheet.version.versionNumber
         // The arrows and Escape are taken whatever they can do.
         Keys.onLeftPressed: {
             if (sheet.canGoOlder)
@@ -202,10 +214,37 @@ SheetFrame {
                     }
                 }
 
+                // A long text goes line by line: only the lines in view are laid out.
+                ListView {
+                    objectName: "longText"
+                    visible: sheet.showsLines
+                    anchors.fill: parent
+                    anchors.margins: 20
+                    anchors.rightMargin: 8
+                    clip: true
+                    boundsBehavior: Flickable.StopAtBounds
+                    model: sheet.showsLines ? lines : null
+                    ScrollBar.vertical: ScrollBar {}
+                    Accessible.role: Accessible.List
+                    Accessible.name: Tr.t("Version text", "版本内容", "バージョンの内容")
+
+                    delegate: Text {
+                        required property string styledText
+
+                        width: ListView.view.width - 12
+                        text: styledText
+                        textFormat: Text.StyledText
+                        wrapMode: Text.WrapAnywhere
+                        color: Theme.label
+                        font.family: Theme.monospaceFamily
+                        font.pointSize: Theme.codePointSize + 1
+                    }
+                }
+
                 ScrollView {
                     id: scroller
 
-                    visible: sheet.version.content !== ""
+                    visible: sheet.version.content !== "" && !sheet.showsLines
                     anchors.fill: parent
                     contentWidth: availableWidth
 
@@ -221,7 +260,7 @@ SheetFrame {
                         activeFocusOnPress: false
                         textFormat: TextEdit.PlainText
                         wrapMode: TextEdit.Wrap
-                        text: sheet.version.content
+                        text: sheet.showsLines ? "" : sheet.version.content
                         color: Theme.label
                         selectionColor: Theme.withOpacity(Theme.cyan, 0.35)
                         selectedTextColor: Theme.label

@@ -3,6 +3,7 @@
 #include "datastore.h"
 #include "sqleditorcontroller.h"
 #include "versionlistmodel.h"
+#include "versiontextlines.h"
 
 #include <QAbstractItemModelTester>
 #include <QSettings>
@@ -127,6 +128,30 @@ private Q_SLOTS:
         QCOMPARE(store.document(document.id)->content, u"SELECT 1;"_s);
         store.saveVersion(document.id, QString());
         QCOMPARE(numbers(model), QList<qint64>{1});
+    }
+
+    // A long text line by line: escaped, coloured as the read-only pass colours it, keywords in
+    // bold, blanks kept, CR LF dropped, long lines cut into pieces.
+    void longTextLines()
+    {
+        VersionTextLines lines;
+        lines.setPlainColor(QColor(u"#111111"_s));
+        lines.setCommentColor(QColor(u"#999999"_s));
+        const QString longLine(VersionTextLines::pieceLength * 2 + 10, u'x');
+        lines.setText(u"select a<b & 'x'\r\n  -- it's\n"_s + longLine + u"\n/* a\nb */"_s);
+        QAbstractItemModelTester tester(&lines, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        QCOMPARE(lines.rowCount(), 1 + 1 + 3 + 2);
+        const QString first = lines.styledRow(0);
+        QVERIFY2(first.startsWith(u"<b><font color=\""_s), qPrintable(first));
+        QVERIFY(first.contains(u"a&lt;b\u00A0&amp;\u00A0"_s));
+        QVERIFY(first.contains(u"'x'</font>"_s));
+        QVERIFY(!first.contains(u'\r'));
+        QCOMPARE(lines.styledRow(1), u"\u00A0\u00A0<font color=\"#999999\">--\u00A0it's</font>"_s);
+        QCOMPARE(lines.styledRow(2).size(), VersionTextLines::pieceLength);
+        QCOMPARE(lines.styledRow(4).size(), 10);
+        // A comment over two lines is a comment on both.
+        QCOMPARE(lines.styledRow(6), u"<font color=\"#999999\">b\u00A0*/</font>"_s);
+        QVERIFY(lines.styledRow(7).isEmpty());
     }
 };
 

@@ -1,0 +1,112 @@
+// History panel and reading sheet benchmark, in process, with the software renderer: the panel
+// opened on 1,000 versions of a 100 KB document (time to the first frame, cards made), and the
+// sheet showing a 1 MB version, coloured (time to the first frame), with the memory used.
+//
+// Usage: QT_QPA_PLATFORM=offscreen QT_QUICK_BACKEND=software bench_versionviews
+#include "appengine.h"
+#include "datastore.h"
+#include "testenvironment.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QGuiApplication>
+#include <QQmlComponent>
+#include <QQmlEngine>
+#include <QQuickItem>
+#include <QQuickView>
+#include <QTest>
+#include <QtQml/qqmlextensionplugin.h>
+
+#include <cstdio>
+#include <sys/resource.h>
+
+using namespace Qt::StringLiterals;
+
+Q_IMPORT_QML_PLUGIN(VarnholtPlugin)
+
+namespace {
+
+double peakMegabytes()
+{
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss / 1024.0;
+}
+
+QString corpusText(qsizetype size)
+{
+    QFile file(QStringLiteral(VARNHOLT_BENCH_CORPUS "/sql-10m.sql"));
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("cannot read %s", qPrintable(file.fileName()));
+    QString text = QString::fromUtf8(file.read(size * 2));
+    text.truncate(size);
+    return text.left(text.lastIndexOf(u'\n') + 1);
+}
+
+// Milliseconds from `start` to the window's next frame.
+double untilNextFrame(QQuickView &view, const QElapsedTimer &start)
+{
+    bool swapped = false;
+    const auto connection = QObject::connect(&view, &QQuickWindow::frameSwapped, [&] { swapped = true; });
+    view.update();
+    while (!swapped)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 5);
+    QObject::disconnect(connection);
+    return start.nsecsElapsed() / 1e6;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QGuiApplication app(argc, argv);
+    ScratchHome home;
+    DataStore *store = DataStore::shared();
+    const QString base = corpusText(100 << 10);
+    const SQLDocument document = store->createDocument(u"History"_s, base);
+    store->setSelectedDocumentId(document.id);
+    for (int i = 0; i < 1000; ++i) {
+        store->updateDocumentContent(document.id, base + u"-- revision %1\n"_s.arg(i));
+        store->saveVersion(document.id, u"Revision %1"_s.arg(i));
+    }
+    // The newest but one holds a megabyte.
+    const QString megabyte = corpusText(1 << 20);
+    store->updateDocumentContent(document.id, megabyte);
+    store->saveVersion(document.id, u"A megabyte"_s);
+    store->updateDocumentContent(document.id, base);
+    store->saveVersion(document.id, u"Back"_s);
+    std::printf("store: %lld versions of the document\n",
+                qlonglong(store->selectedDocumentVersions().size()));
+
+    QQuickView view;
+    configureEngine(view.engine());
+    view.resize(360, 800);
+    view.show();
+    if (!QTest::qWaitForWindowExposed(&view))
+        qFatal("the window did not show");
+
+    for (int run = 0; run < 3; ++run) {
+        QElapsedTimer timer;
+        timer.start();
+        view.setSource(QUrl(u"qrc:/Varnholt/VersionHistoryView.qml"_s));
+        QQuickItem *panel = view.rootObject();
+        if (!panel)
+            qFatal("the panel did not load");
+        const double open = untilNextFrame(view, timer);
+        const int cards =
+            int(panel->findChildren<QQuickItem *>(QString(), Qt::FindChildrenRecursively).size());
+        std::printf("panel open, 1,002 versions: %7.1f ms to the first frame (%d items in the panel)\n", open,
+                    cards);
+
+        timer.restart();
+        panel->setProperty("viewingIndex", 1);
+        const double sheet = untilNextFrame(view, timer);
+        std::printf("sheet with the 1 MB version:  %7.1f ms to the first frame\n", sheet);
+        panel->setProperty("viewingIndex", -1);
+        QTest::qWait(100);
+        view.setSource({});
+        QTest::qWait(100);
+    }
+    std::printf("peak memory %.0f MB\n", peakMegabytes());
+    return 0;
+}

@@ -78,6 +78,13 @@ Item {
         implicitHeight: content.implicitHeight + 20
         radius: 8
         color: Theme.withOpacity(Theme.controlBackground, row.showsActions ? 1 : 0.5)
+
+        Behavior on color {
+            ColorAnimation {
+                duration: 150
+                easing.type: Easing.InOutQuad
+            }
+        }
         border.width: row.ListView.isCurrentItem && row.ListView.view !== null && row.ListView.view.activeFocus ? 2 : 0
         border.color: Theme.withOpacity(Theme.cyan, 0.8)
 
@@ -145,9 +152,17 @@ Item {
                 color: Theme.tertiaryLabel
             }
             Row {
-                visible: row.showsActions
+                visible: opacity > 0
+                opacity: row.showsActions ? 1 : 0
                 topPadding: 2
                 spacing: 8
+
+                Behavior on opacity {
+                    NumberAnimation {
+                        duration: 150
+                        easing.type: Easing.InOutQuad
+                    }
+                }
 
                 RowActionButton {
                     objectName: "viewButton"

@@ -123,6 +123,72 @@ TestCase {
         tryVerify(() => !sheet.isCopied, 3000)
     }
 
+    Component {
+        id: documentsComponent
+
+        DocumentListModel {}
+    }
+    Component {
+        id: editorComponent
+
+        SQLEditorController {}
+    }
+
+    // On the store: three versions listed newest first; the keyboard walks the list and opens a
+    // version; Restore and Clear ask first, and Cancel changes nothing.
+    function test_panelOnTheStore() {
+        const documents = createTemporaryObject(documentsComponent, testCase)
+        documents.createDocument("History")
+        const editor = createTemporaryObject(editorComponent, testCase)
+        tryVerify(() => editor.hasDocument)
+        for (const note of ["one", "two", "three"])
+            editor.saveVersion(note)
+        const panel = createTemporaryObject(panelComponent, testCase)
+        const list = findChild(panel, "versionList")
+        tryCompare(list, "count", 3)
+        compare(findChild(panel, "versionCount").text, "3 versions")
+        verify(findChild(panel, "clearButton").visible)
+
+        list.forceActiveFocus()
+        keyClick(Qt.Key_Down)
+        compare(list.currentIndex, 1)
+        keyClick(Qt.Key_Return)
+        compare(panel.viewingIndex, 1)
+        panel.viewingIndex = -1
+
+        // The latest offers no Restore; an older card does, after a question.
+        waitForRendering(list)
+        verify(!findChild(list.itemAtIndex(0), "restoreButton").visible)
+        const restoreSpy2 = createTemporaryObject(spyComponent, testCase, { target: panel,
+                                                                            signalName: "restoreRequested" })
+        mouseMove(list.itemAtIndex(2), 40, 20)
+        tryVerify(() => findChild(list.itemAtIndex(2), "restoreButton").visible)
+        mouseClick(findChild(list.itemAtIndex(2), "restoreButton"))
+        const restoreAlert = findChild(panel, "restoreAlert")
+        tryVerify(() => restoreAlert.opened)
+        keyClick(Qt.Key_Escape)
+        tryVerify(() => !restoreAlert.opened)
+        compare(restoreSpy2.count, 0)
+
+        mouseClick(findChild(panel, "clearButton"))
+        const clearAlert = findChild(panel, "clearAlert")
+        tryVerify(() => clearAlert.opened)
+        mouseClick(findChild(clearAlert, "cancelButton"))
+        tryVerify(() => !clearAlert.opened)
+        compare(list.count, 3)
+        mouseClick(findChild(panel, "clearButton"))
+        tryVerify(() => clearAlert.opened)
+        mouseClick(findChild(clearAlert, "confirmButton"))
+        tryCompare(list, "count", 0)
+        verify(findChild(panel, "emptyState").visible)
+        compare(editor.nextVersionNumber(), 1)
+    }
+    Component {
+        id: spyComponent
+
+        SignalSpy {}
+    }
+
     // Without a selected document the panel shows its empty state and no clear button.
     function test_emptyPanel() {
         const panel = createTemporaryObject(panelComponent, testCase)

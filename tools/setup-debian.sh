@@ -12,6 +12,7 @@ packages=(
     xvfb xauth
     desktop-file-utils appstream dpkg-dev lintian
     qtkeychain-qt6-dev libsecret-1-0 qt6-translations-l10n dbus-daemon gnome-keyring
+    libgit2-dev
 )
 sudo=""
 if [ "$(id -u)" -ne 0 ]; then sudo="sudo"; fi

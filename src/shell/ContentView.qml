@@ -155,6 +155,7 @@ Item {
 
         VersionHistoryView {
             objectName: "versionPanel"
+            currentText: controller.currentEditorContent
             onCloseRequested: content.setShowVersionHistory(false)
             onRestoreRequested: versionId => controller.restoreVersion(versionId)
         }

@@ -13,6 +13,13 @@ SheetFrame {
     required property var version
     required property int index
     required property int total
+    // What Compare sets the version against: the editor's text and the version before it
+    // (empty for the oldest).
+    property string currentText: ""
+    property string previousText: ""
+    property bool hasPrevious: index + 1 < total
+    // 0 the version's text, 1 compared with the editor's text, 2 with the version before it.
+    property int compareMode: 0
     property bool isCopied: false
 
     readonly property bool isLatest: index === 0
@@ -44,6 +51,17 @@ SheetFrame {
     onCancelRequested: closeRequested()
     onClosed: closeRequested()
     onOpened: body.forceActiveFocus()
+
+    TextDiffModel {
+        id: comparison
+
+        oldText: sheet.compareMode === 2 ? sheet.previousText : sheet.compareMode === 1 ? sheet.version.content : ""
+        newText: sheet.compareMode === 2 ? sheet.version.content : sheet.compareMode === 1 ? sheet.currentText : ""
+        plainColor: Theme.label
+        commentColor: Theme.secondaryLabel
+        addedMark: Theme.withOpacity(Theme.green, 0.35)
+        removedMark: Theme.withOpacity(Theme.red, 0.35)
+    }
 
     VersionTextLines {
         id: lines
@@ -195,9 +213,95 @@ SheetFrame {
                 Layout.fillHeight: true
                 color: Theme.textBackground
 
+                ListView {
+                    id: diffView
+
+                    objectName: "comparison"
+                    visible: sheet.compareMode !== 0
+                    anchors.fill: parent
+                    anchors.topMargin: 8
+                    anchors.bottomMargin: 8
+                    clip: true
+                    boundsBehavior: Flickable.StopAtBounds
+                    model: sheet.compareMode !== 0 ? comparison : null
+                    ScrollBar.vertical: ScrollBar {}
+                    Accessible.role: Accessible.List
+                    Accessible.name: Tr.t("Comparison", "对比", "比較")
+
+                    delegate: Rectangle {
+                        id: diffRow
+
+                        required property int kind
+                        required property int oldNumber
+                        required property int newNumber
+                        required property string styledText
+                        required property int foldedLines
+
+                        width: ListView.view.width
+                        implicitHeight: Math.max(lineText.implicitHeight, 18)
+                        color: kind === 1 ? Theme.withOpacity(Theme.red, 0.12)
+                             : kind === 2 ? Theme.withOpacity(Theme.green, 0.12)
+                             : kind === 3 ? Theme.withOpacity(Theme.label, 0.05) : "transparent"
+
+                        Row {
+                            id: numbers
+
+                            visible: diffRow.kind !== 3
+                            x: 8
+                            spacing: 4
+
+                            Repeater {
+                                model: [diffRow.oldNumber, diffRow.newNumber]
+
+                                Label {
+                                    required property int modelData
+
+                                    width: 40
+                                    horizontalAlignment: Text.AlignRight
+                                    text: modelData > 0 ? modelData : ""
+                                    font.family: Theme.monospaceFamily
+                                    font.pointSize: Theme.codePointSize
+                                    color: Theme.tertiaryLabel
+                                }
+                            }
+                            Label {
+                                width: 14
+                                horizontalAlignment: Text.AlignHCenter
+                                text: diffRow.kind === 1 ? "−" : diffRow.kind === 2 ? "+" : ""
+                                font.family: Theme.monospaceFamily
+                                font.pointSize: Theme.codePointSize + 1
+                                color: diffRow.kind === 1 ? Theme.red : Theme.green
+                            }
+                        }
+                        Text {
+                            id: lineText
+
+                            x: diffRow.kind === 3 ? 16 : 120
+                            width: parent.width - x - 12
+                            text: diffRow.kind === 3
+                                  ? Tr.t("⋯ %1 unchanged lines", "⋯ %1 行未更改", "⋯ 変更のない %1 行").arg(diffRow.foldedLines)
+                                  : diffRow.styledText
+                            textFormat: diffRow.kind === 3 ? Text.PlainText : Text.RichText
+                            wrapMode: Text.WrapAnywhere
+                            color: diffRow.kind === 3 ? Theme.secondaryLabel : Theme.label
+                            font.family: Theme.monospaceFamily
+                            font.pointSize: Theme.codePointSize + 1
+                        }
+                    }
+                }
+
+                Label {
+                    objectName: "noDifference"
+                    visible: sheet.compareMode !== 0 && !comparison.isComputing && comparison.changedLines === 0
+                    anchors.centerIn: parent
+                    text: Tr.t("No differences", "没有差异", "差分はありません")
+                    font.pixelSize: Theme.subheadlineSize
+                    color: Theme.secondaryLabel
+                }
+
                 ColumnLayout {
                     objectName: "noContent"
-                    visible: sheet.version.content === ""
+                    visible: sheet.compareMode === 0 && sheet.version.content === ""
                     anchors.centerIn: parent
                     spacing: 12
 
@@ -217,7 +321,7 @@ SheetFrame {
                 // A long text goes line by line: only the lines in view are laid out.
                 ListView {
                     objectName: "longText"
-                    visible: sheet.showsLines
+                    visible: sheet.compareMode === 0 && sheet.showsLines
                     anchors.fill: parent
                     anchors.margins: 20
                     anchors.rightMargin: 8
@@ -244,7 +348,7 @@ SheetFrame {
                 ScrollView {
                     id: scroller
 
-                    visible: sheet.version.content !== "" && !sheet.showsLines
+                    visible: sheet.compareMode === 0 && sheet.version.content !== "" && !sheet.showsLines
                     anchors.fill: parent
                     contentWidth: availableWidth
 
@@ -310,6 +414,26 @@ SheetFrame {
                         color: Theme.tertiaryLabel
                     }
                 }
+                Row {
+                    spacing: 4
+
+                    CompareModeButton {
+                        objectName: "showTextButton"
+                        mode: 0
+                        text: Tr.t("Text", "文本", "テキスト")
+                    }
+                    CompareModeButton {
+                        objectName: "compareWithEditorButton"
+                        mode: 1
+                        text: Tr.t("Compare with Editor", "与编辑器对比", "エディタと比較")
+                    }
+                    CompareModeButton {
+                        objectName: "compareWithPreviousButton"
+                        mode: 2
+                        enabled: sheet.hasPrevious
+                        text: Tr.t("Compare with Previous", "与上一版本对比", "前のバージョンと比較")
+                    }
+                }
                 Item {
                     Layout.fillWidth: true
                 }
@@ -340,6 +464,43 @@ SheetFrame {
         confirmText: Tr.t("Restore to this version", "恢复到此版本", "このバージョンに復元")
         onConfirmed: sheet.restoreRequested()
         onClosed: body.forceActiveFocus()
+    }
+
+    // One choice of what the text area shows; the chosen one is filled.
+    component CompareModeButton: AbstractButton {
+        id: modeButton
+
+        required property int mode
+        readonly property bool chosen: sheet.compareMode === mode
+
+        implicitWidth: modeLabel.implicitWidth + 14
+        implicitHeight: 24
+        checkable: true
+        checked: chosen
+        focusPolicy: Qt.TabFocus
+        Accessible.role: Accessible.RadioButton
+        Accessible.name: text
+        Accessible.checked: chosen
+        Accessible.onPressAction: clicked()
+        onClicked: sheet.compareMode = mode
+
+        contentItem: Label {
+            id: modeLabel
+
+            text: modeButton.text
+            horizontalAlignment: Text.AlignHCenter
+            verticalAlignment: Text.AlignVCenter
+            font.pixelSize: Theme.captionSize
+            font.weight: modeButton.chosen ? Font.DemiBold : Font.Normal
+            color: modeButton.chosen ? Theme.cyan : Theme.secondaryLabel
+            opacity: modeButton.enabled ? 1 : 0.5
+        }
+        background: Rectangle {
+            radius: 6
+            color: modeButton.chosen ? Theme.withOpacity(Theme.cyan, 0.12) : "transparent"
+            border.width: modeButton.visualFocus ? 2 : 0
+            border.color: Theme.withOpacity(Theme.cyan, 0.8)
+        }
     }
 
     component SheetNavigationButton: AbstractButton {

@@ -14,6 +14,8 @@ Rectangle {
     property string versionToRestore: ""
     property int versionNumberToRestore: 0
     readonly property alias versionCount: versions.count
+    // The editor's text, which the reading sheet can compare a version with.
+    property string currentText: ""
 
     signal closeRequested
     signal restoreRequested(string versionId)
@@ -188,9 +190,12 @@ Rectangle {
     Loader {
         active: panel.viewingIndex >= 0 && panel.viewingIndex < versions.count
         sourceComponent: VersionDetailSheet {
+            objectName: "versionSheet"
             index: panel.viewingIndex
             total: versions.count
             version: versions.versionAt(panel.viewingIndex)
+            currentText: panel.currentText
+            previousText: panel.viewingIndex + 1 < versions.count ? versions.versionAt(panel.viewingIndex + 1).content : ""
             onCloseRequested: panel.viewingIndex = -1
             onOlderRequested: {
                 if (panel.viewingIndex + 1 < versions.count)

@@ -108,7 +108,7 @@ QString VersionTextLines::styledRow(int row) const
         plain(from);
         const QString piece = escaped(from, to);
         const QString coloured =
-            u"<font color=\"%1\">%2</font>"_s.arg(formats.colour(span->role).name(QColor::HexRgb), piece);
+            u"<font color=\"%1\">%2</font>"_s.arg(formats.colour(span->role).name(QColor::HexArgb), piece);
         styled += span->hasKeywordWeight ? u"<b>"_s + coloured + u"</b>"_s : coloured;
         at = to;
     }

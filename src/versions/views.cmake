@@ -7,4 +7,6 @@ list(APPEND VARNHOLT_VIEW_QML
 list(APPEND VARNHOLT_VIEW_SOURCES
     ${CMAKE_CURRENT_LIST_DIR}/versionlistmodel.cpp ${CMAKE_CURRENT_LIST_DIR}/versionlistmodel.h
     ${CMAKE_CURRENT_LIST_DIR}/versiontextlines.cpp ${CMAKE_CURRENT_LIST_DIR}/versiontextlines.h
+    ${CMAKE_CURRENT_LIST_DIR}/textdiffmodel.cpp ${CMAKE_CURRENT_LIST_DIR}/textdiffmodel.h
 )
+list(APPEND VARNHOLT_VIEW_LIBRARIES varnholt_versions)

@@ -2,6 +2,7 @@
 #include "contentcontroller.h"
 #include "datastore.h"
 #include "sqleditorcontroller.h"
+#include "textdiffmodel.h"
 #include "versionlistmodel.h"
 #include "versiontextlines.h"
 
@@ -146,12 +147,32 @@ private Q_SLOTS:
         QVERIFY(first.contains(u"a&lt;b\u00A0&amp;\u00A0"_s));
         QVERIFY(first.contains(u"'x'</font>"_s));
         QVERIFY(!first.contains(u'\r'));
-        QCOMPARE(lines.styledRow(1), u"\u00A0\u00A0<font color=\"#999999\">--\u00A0it's</font>"_s);
+        QCOMPARE(lines.styledRow(1), u"\u00A0\u00A0<font color=\"#ff999999\">--\u00A0it's</font>"_s);
         QCOMPARE(lines.styledRow(2).size(), VersionTextLines::pieceLength);
         QCOMPARE(lines.styledRow(4).size(), 10);
         // A comment over two lines is a comment on both.
-        QCOMPARE(lines.styledRow(6), u"<font color=\"#999999\">b\u00A0*/</font>"_s);
+        QCOMPARE(lines.styledRow(6), u"<font color=\"#ff999999\">b\u00A0*/</font>"_s);
         QVERIFY(lines.styledRow(7).isEmpty());
+    }
+
+    // The comparison for the sheet runs off the GUI thread; texts changed while it runs give
+    // the rows of the newest texts.
+    void comparisonModel()
+    {
+        TextDiffModel model;
+        QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+        model.setProperty("removedMark", QColor(u"#ff0000"_s));
+        model.setOldText(u"SELECT a FROM t;\n-- keep\n"_s);
+        model.setNewText(u"SELECT b FROM t;\n-- keep\n"_s);
+        model.setNewText(u"SELECT c FROM t;\n-- keep\n"_s);
+        QTRY_VERIFY(!model.isComputing());
+        QCOMPARE(model.rowCount(), 3);
+        QCOMPARE(model.changedLines(), 2);
+        QCOMPARE(model.data(model.index(0), TextDiffModel::KindRole).toInt(), 1);
+        QCOMPARE(model.data(model.index(1), TextDiffModel::KindRole).toInt(), 2);
+        QVERIFY(model.styledRow(1).contains(u">c</span>"_s));
+        QVERIFY(model.styledRow(0).contains(u"background-color:#ffff0000;\">a</span>"_s));
+        QVERIFY(model.styledRow(0).contains(u"font-weight:600;"_s));
     }
 };
 

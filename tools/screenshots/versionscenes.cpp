@@ -5,7 +5,8 @@
 
 using namespace Qt::StringLiterals;
 
-// The history panel of a document with a few versions, and one of them in the reading sheet.
+// The history panel of a document with a few versions, one of them in the reading sheet, and
+// compared with the version before it.
 void shootVersionScenes(ScreenshotSession &session)
 {
     DataStore *store = session.store();
@@ -31,6 +32,11 @@ void shootVersionScenes(ScreenshotSession &session)
     panel->setProperty("viewingIndex", 1);
     ScreenshotSession::wait(500);
     session.shoot(u"versions-sheet"_s);
+    if (QObject *sheet = session.find("versionSheet")) {
+        sheet->setProperty("compareMode", 2);
+        ScreenshotSession::wait(500);
+        session.shoot(u"versions-compare"_s);
+    }
     panel->setProperty("viewingIndex", -1);
     ScreenshotSession::wait(300);
 

@@ -139,6 +139,18 @@ void markChangedWords(TextDiffRow &removed, TextDiffRow &added)
                 mark(added.changedWords, newTokens.at(line.newNumber - 1));
         }
     }
+    // Lines that share little are two different lines side by side: marking most of both says
+    // less than the lines' own colour.
+    const auto mostlyMarked = [](const TextDiffRow &row) {
+        qsizetype marked = 0;
+        for (const TextDiffRow::Range &range : row.changedWords)
+            marked += range.length;
+        return marked * 2 > row.text.size();
+    };
+    if (mostlyMarked(removed) && mostlyMarked(added)) {
+        removed.changedWords.clear();
+        added.changedWords.clear();
+    }
 }
 
 TextDiffRow fold(int oldFirst, int newFirst, int count)

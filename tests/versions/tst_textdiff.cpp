@@ -1,6 +1,8 @@
 #include "textdiff.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QRandomGenerator>
 #include <QTest>
 
@@ -100,7 +102,7 @@ private Q_SLOTS:
         QTest::newRow("far apart changes fold between")
             << u"1\n2\n3\n4\n5\n6\n7\n8\n9\n10\n11\n12\n"_s
             << u"one\n2\n3\n4\n5\n6\n7\n8\n9\n10\n11\ntwelve\n"_s
-            << u"-[1]\n+[one]\n 2\n 3\n 4\n… 4 lines\n 9\n 10\n 11\n-[12]\n+[twelve]"_s;
+            << u"-1\n+one\n 2\n 3\n 4\n… 4 lines\n 9\n 10\n 11\n-12\n+twelve"_s;
     }
     void shapes()
     {
@@ -141,6 +143,41 @@ private Q_SLOTS:
         const QString oldText = lines.join(u'\n');
         const QString newText = changed.join(u'\n');
         QCOMPARE(applied(oldText, TextDiff::compare(oldText, newText)), linesOf(newText));
+    }
+
+    // Golden pairs: each of the formatter's golden inputs against its formatted reference
+    // (real SQL of several dialects, before and after a layout), compared with the diff kept in
+    // data/reference. VARNHOLT_UPDATE_REFERENCES=1 writes them (tools/update-diff-references.sh).
+    void goldenPairs_data()
+    {
+        QTest::addColumn<QString>("name");
+        const QDir inputs(QStringLiteral(VARNHOLT_FORMATTER_DATA "/input"));
+        const QStringList names = inputs.entryList({u"*.sql"_s}, QDir::Files, QDir::Name);
+        QVERIFY(!names.isEmpty());
+        for (const QString &name : names)
+            QTest::newRow(qPrintable(name)) << name;
+    }
+    void goldenPairs()
+    {
+        QFETCH(QString, name);
+        const auto read = [](const QString &path) {
+            QFile file(path);
+            return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+        };
+        const QString oldText = read(QStringLiteral(VARNHOLT_FORMATTER_DATA "/input/") + name);
+        const QString newText = read(QStringLiteral(VARNHOLT_FORMATTER_DATA "/reference/") + name);
+        const QList<TextDiffRow> rows = TextDiff::compare(oldText, newText);
+        QCOMPARE(applied(oldText, rows), linesOf(newText));
+        const QString diff = describe(rows) + u'\n';
+        const QString referencePath =
+            QStringLiteral(VARNHOLT_TEST_DATA "/reference/") + QFileInfo(name).baseName() + u".diff"_s;
+        if (qEnvironmentVariableIsSet("VARNHOLT_UPDATE_REFERENCES")) {
+            QFile file(referencePath);
+            QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+            file.write(diff.toUtf8());
+            return;
+        }
+        QCOMPARE(diff, read(referencePath));
     }
 
     // A megabyte on one line compares, and is marked whole rather than word by word.

@@ -289,6 +289,10 @@ Rectangle {
                         blocks: row.blocks
                         learned: row.learned
                         onApplyRequested: sql => panel.applyRequested(sql)
+                        onCompareRequested: sql => {
+                            comparisonSheet.proposedSQL = sql
+                            comparisonSheet.open()
+                        }
                         onUndoLearnedRequested: itemId => conversation.undoLearnedFact(row.index, itemId)
                     }
                 }
@@ -502,6 +506,69 @@ Rectangle {
                                                  : conversation.inputText.length > 0 ? Theme.purple : Theme.secondaryLabel
                     text: conversation.isStreaming ? Tr.t("Stop", "停止输出", "停止") : Tr.t("Send", "发送", "送信")
                     onClicked: conversation.isStreaming ? conversation.stopStreaming() : conversation.sendInput()
+                }
+            }
+        }
+    }
+
+    // The reply's SQL against the editor's text, before it is applied.
+    SheetFrame {
+        id: comparisonSheet
+
+        property string proposedSQL: ""
+
+        objectName: "comparisonSheet"
+        width: Math.min(720, panel.Window.width - 80)
+        height: Math.min(520, panel.Window.height - 80)
+        padding: 0
+        onAcceptRequested: {
+            close()
+            panel.applyRequested(proposedSQL)
+        }
+        onCancelRequested: close()
+
+        contentItem: ColumnLayout {
+            spacing: 0
+
+            Label {
+                Layout.fillWidth: true
+                Layout.margins: 16
+                text: Tr.t("The editor's text and the reply's SQL", "编辑器内容与回复中的 SQL", "エディタの内容と回答の SQL")
+                font.pixelSize: Theme.headlineSize
+                font.weight: Font.DemiBold
+                color: Theme.label
+                Accessible.role: Accessible.Heading
+            }
+            Rectangle {
+                Layout.fillWidth: true
+                Layout.fillHeight: true
+                color: Theme.textBackground
+
+                TextComparisonView {
+                    anchors.fill: parent
+                    visible: comparisonSheet.opened
+                    oldText: panel.currentSQL
+                    newText: comparisonSheet.proposedSQL
+                }
+            }
+            RowLayout {
+                Layout.fillWidth: true
+                Layout.margins: 12
+                spacing: 8
+
+                Item {
+                    Layout.fillWidth: true
+                }
+                SheetButton {
+                    objectName: "closeComparisonButton"
+                    text: Tr.t("Close", "关闭", "閉じる")
+                    onClicked: comparisonSheet.close()
+                }
+                SheetButton {
+                    objectName: "applyComparedButton"
+                    text: Tr.t("Apply", "应用", "適用")
+                    tint: Theme.purple
+                    onClicked: comparisonSheet.acceptRequested()
                 }
             }
         }

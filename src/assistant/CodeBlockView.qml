@@ -10,11 +10,21 @@ CodeBlockFrame {
     property bool canApply: true
 
     signal applyRequested
+    signal compareRequested
 
     label: "SQL"
     colourAsSQL: true
     namesCopied: true
 
+    CodeBlockFrame.HeaderButton {
+        objectName: "compareButton"
+        enabled: block.canApply
+        iconName: "arrow.left.arrow.right"
+        tint: Theme.cyan
+        text: Tr.t("Compare", "对比", "比較")
+        ToolTip.text: Tr.t("Compare with the editor's text", "与编辑器中的内容对比", "エディタの内容と比較")
+        onClicked: block.compareRequested()
+    }
     CodeBlockFrame.HeaderButton {
         objectName: "applyButton"
         enabled: block.canApply

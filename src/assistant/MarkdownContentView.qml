@@ -11,6 +11,7 @@ Rectangle {
     property bool canApply: true
 
     signal applyRequested(string sql)
+    signal compareRequested(string sql)
 
     implicitHeight: column.implicitHeight + 24
     radius: 12
@@ -56,6 +57,7 @@ Rectangle {
                         code: block.text
                         canApply: view.canApply
                         onApplyRequested: view.applyRequested(block.text)
+                        onCompareRequested: view.compareRequested(block.text)
                     }
                 }
                 Component {

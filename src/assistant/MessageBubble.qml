@@ -13,6 +13,7 @@ Item {
     required property var learned
 
     signal applyRequested(string sql)
+    signal compareRequested(string sql)
     signal undoLearnedRequested(string itemId)
 
     readonly property bool isUser: messageRole === AI.User
@@ -61,6 +62,7 @@ Item {
             sourceComponent: MarkdownContentView {
                 blocks: bubble.blocks
                 onApplyRequested: sql => bubble.applyRequested(sql)
+                onCompareRequested: sql => bubble.compareRequested(sql)
             }
         }
         LearnedFactsLine {

@@ -1,5 +1,6 @@
 # The version history panel and reading sheet, built into the application's QML module.
 list(APPEND VARNHOLT_VIEW_QML
+    ${CMAKE_CURRENT_LIST_DIR}/TextComparisonView.qml
     ${CMAKE_CURRENT_LIST_DIR}/VersionDetailSheet.qml
     ${CMAKE_CURRENT_LIST_DIR}/VersionHistoryView.qml
     ${CMAKE_CURRENT_LIST_DIR}/VersionRow.qml

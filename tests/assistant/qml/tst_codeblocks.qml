@@ -73,6 +73,20 @@ TestCase {
         compare(block.label, "SQL")
     }
 
+    // Compare, like Apply, waits for the finished reply.
+    function test_compareOnlyWhenTheReplyIsFinished() {
+        const block = createTemporaryObject(sqlBlock, testCase, {canApply: false})
+        applied.target = block
+        applied.signalName = "compareRequested"
+        applied.clear()
+        const compareButton = findNamed(block, "compareButton")
+        mouseClick(compareButton)
+        compare(applied.count, 0)
+        block.canApply = true
+        mouseClick(compareButton)
+        compare(applied.count, 1)
+    }
+
     function test_otherLanguagesAreShownNotApplied() {
         const block = createTemporaryObject(jsonBlock, testCase)
         compare(block.label, "JSON")

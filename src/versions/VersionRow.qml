@@ -164,14 +164,14 @@ Item {
                     }
                 }
 
-                RowActionButton {
+                CodeBlockFrame.HeaderButton {
                     objectName: "viewButton"
                     iconName: "eye"
                     text: Tr.t("View", "查看", "表示")
                     tint: Theme.cyan
                     onClicked: row.viewRequested()
                 }
-                RowActionButton {
+                CodeBlockFrame.HeaderButton {
                     objectName: "restoreButton"
                     visible: !row.isLatest
                     iconName: "arrow.uturn.backward"
@@ -180,38 +180,6 @@ Item {
                     onClicked: row.restoreRequested()
                 }
             }
-        }
-    }
-
-    component RowActionButton: AbstractButton {
-        id: actionButton
-
-        required property string iconName
-        required property color tint
-
-        hoverEnabled: true
-        focusPolicy: Qt.NoFocus
-        Accessible.name: text
-        Accessible.onPressAction: clicked()
-
-        contentItem: Row {
-            spacing: 2
-
-            Icon {
-                anchors.verticalCenter: parent.verticalCenter
-                name: actionButton.iconName
-                color: actionButton.tint
-                size: 10
-            }
-            Label {
-                text: actionButton.text
-                font.pixelSize: Theme.caption2Size
-                color: actionButton.tint
-            }
-        }
-        background: Rectangle {
-            radius: 4
-            color: actionButton.hovered ? Theme.withOpacity(actionButton.tint, 0.12) : "transparent"
         }
     }
 }

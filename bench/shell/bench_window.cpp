@@ -1,8 +1,10 @@
 // Window benchmark, in process, with the software renderer: time from start to the first
 // frame with a store of 1,000 documents, and from a keystroke to the next frame in 1 MB and
-// 5 MB documents (plain letters and a quote typed near the top), with the memory used.
+// 5 MB documents (plain letters and a quote typed near the top), and after pasting 2 MB of
+// Japanese INSERTs into a new document, with the memory used.
 //
-// Usage: QT_QPA_PLATFORM=offscreen QT_QUICK_BACKEND=software bench_window
+// Usage: QT_QPA_PLATFORM=offscreen QT_QUICK_BACKEND=software bench_window [1mb] [5mb] [paste]
+// (no rows named: all of them)
 #include "appengine.h"
 #include "datastore.h"
 #include "sqleditorcontroller.h"
@@ -12,6 +14,7 @@
 
 #include <QDir>
 #include <QElapsedTimer>
+#include <QClipboard>
 #include <QFile>
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
@@ -101,6 +104,43 @@ Figures keystrokes(QQuickWindow *window, int count, const std::function<void(int
     return {times.at(times.size() / 2), times.constLast()};
 }
 
+// Japanese INSERTs (a public install script's data), repeated up to `size` characters.
+QString japaneseInserts(qsizetype size)
+{
+    QFile file(QStringLiteral(VARNHOLT_BENCH_CORPUS "/src/eccube_insert_data.sql"));
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("cannot read %s", qPrintable(file.fileName()));
+    const QString piece = QString::fromUtf8(file.readAll());
+    QString text;
+    while (text.size() < size)
+        text += piece;
+    text.truncate(size);
+    return text.left(text.lastIndexOf(u'\n') + 1);
+}
+
+// Runs the event loop until no pass of it has taken over 20 ms for `quiet` ms (or `limit` ms
+// passed); returns the longest pause of the loop.
+double longestPauseUntilQuiet(int quiet, int limit)
+{
+    QElapsedTimer total;
+    total.start();
+    QElapsedTimer tick;
+    tick.start();
+    qint64 longest = 0;
+    QElapsedTimer idle;
+    idle.start();
+    while (idle.elapsed() < quiet && total.elapsed() < limit) {
+        QElapsedTimer busy;
+        busy.start();
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 1);
+        if (busy.nsecsElapsed() > 20'000'000)
+            idle.restart();
+        longest = std::max(longest, tick.nsecsElapsed());
+        tick.restart();
+    }
+    return longest / 1e6;
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -129,7 +169,11 @@ int main(int argc, char **argv)
 
     DataStore *store = DataStore::shared();
     auto *area = window->findChild<QQuickItem *>(u"sqlTextArea"_s);
+    const QStringList rows = QCoreApplication::arguments().mid(1);
+    const auto runs = [&rows](QStringView row) { return rows.isEmpty() || rows.contains(row); };
     for (const char *name : {"One megabyte", "Five megabytes"}) {
+        if (!runs(QLatin1StringView(name).left(3) == u"One" ? u"1mb" : u"5mb"))
+            continue;
         QElapsedTimer loading;
         loading.start();
         for (const SQLDocument &document : store->documents()) {
@@ -163,6 +207,29 @@ int main(int argc, char **argv)
             "%s: keystroke to next frame median %.1f ms, worst %.1f ms; quote near the top median %.1f ms, "
             "worst %.1f ms\n",
             name, letters.median, letters.worst, quotes.median, quotes.worst);
+    }
+    // A user's paste of 2 MB of Japanese INSERTs into a new, empty document.
+    if (runs(u"paste")) {
+        const QString pasted = japaneseInserts(2 << 20);
+        const SQLDocument fresh = store->createDocument(u"Pasted"_s, QString());
+        store->setSelectedDocumentId(fresh.id);
+        QTest::qWait(300);
+        QGuiApplication::clipboard()->setText(pasted);
+        area->forceActiveFocus();
+        const double before = peakMegabytes();
+        const Figures paste = keystrokes(window, 1, [window](int) { QTest::keyClick(window, Qt::Key_V, Qt::ControlModifier); });
+        const double settle = longestPauseUntilQuiet(500, 120000);
+        std::printf("paste of 2 MB into a new document: %.0f ms to the next frame, then longest pause %.0f ms; "
+                    "peak memory %.0f MB (%.0f MB before)\n",
+                    paste.median, settle, peakMegabytes(), before);
+        const Figures after = keystrokes(window, 20, [window](int) { QTest::keyClick(window, Qt::Key_A); });
+        std::printf("after the paste: keystroke to next frame median %.1f ms, worst %.1f ms\n", after.median,
+                    after.worst);
+        QTest::keyClick(window, Qt::Key_Home, Qt::ControlModifier);
+        longestPauseUntilQuiet(300, 10000);
+        const Figures top = keystrokes(window, 20, [window](int) { QTest::keyClick(window, Qt::Key_A); });
+        std::printf("after the paste, at the top: keystroke to next frame median %.1f ms, worst %.1f ms\n", top.median,
+                    top.worst);
     }
     std::printf("peak memory: %.0f MB\n", peakMegabytes());
     return 0;

@@ -7,6 +7,7 @@
 #include "sqlformatter.h"
 #include "sqlhighlightdriver.h"
 
+#include <QQuickItem>
 #include <QQuickTextDocument>
 #include <QTextCursor>
 #include <QTextDocument>
@@ -187,6 +188,14 @@ void SQLEditorController::onContentsChange(int, int removed, int added)
 {
     if (m_isUpdatingFromExternal || m_documentId.isNull() || (removed == 0 && added == 0))
         return;
+    // Qt 6.4's text edit builds scene nodes only for the lines on screen once it observes its
+    // viewport, and it turns that on only when a long text is set, not when one grows by edits:
+    // after a paste of megabytes every frame rebuilt the glyphs of the whole text (seconds per
+    // key, gigabytes of nodes). A text grown long gets the same treatment as one loaded long.
+    if (added > removed && m_quickDocument && m_document->characterCount() > largeTextThreshold) {
+        if (auto *view = qobject_cast<QQuickItem *>(m_quickDocument->parent()))
+            view->setFlag(QQuickItem::ItemObservesViewport);
+    }
     m_dirty = true;
     setHasUnsavedChanges(true);
     scheduleAutoSave(false);

@@ -42,6 +42,8 @@ public:
     static constexpr int autoSaveDelayMs = 800;
     // At most one trip of the text into the store per frame.
     static constexpr int syncDelayMs = 16;
+    // The length from which Qt's text edit draws only what is on screen when a text is set.
+    static constexpr int largeTextThreshold = 10'000;
 
     explicit SQLEditorController(QObject *parent = nullptr);
     SQLEditorController(DataStore *store, Preferences *preferences, QObject *parent = nullptr);

@@ -4,7 +4,7 @@ import Varnholt
 
 // The text view of the editor: plain text, monospaced, undoable, with the controller
 // attached to its document. Text comes down only through the controller.
-ScrollView {
+Item {
     id: editor
 
     required property SQLEditorController controller
@@ -12,53 +12,52 @@ ScrollView {
 
     clip: true
 
-    TextArea {
+    Rectangle {
+        anchors.fill: parent
+        color: Theme.textBackground
+    }
+
+    SQLEditorItem {
         id: area
 
         objectName: "sqlTextArea"
-        textFormat: TextEdit.PlainText
-        wrapMode: TextEdit.Wrap
-        selectByMouse: true
-        persistentSelection: true
+        anchors.fill: parent
+        focus: true
         font.family: Theme.monospaceFamily
         font.pointSize: editor.controller.fontSize
-        color: Theme.label
+        fillColor: Theme.textBackground
+        textColor: Theme.label
         selectionColor: Theme.withOpacity(Theme.cyan, 0.35)
         selectedTextColor: Theme.label
-        leftPadding: 12
-        rightPadding: 12
-        topPadding: 16
-        bottomPadding: 16
+        horizontalPadding: 12
+        verticalPadding: 16
+        Accessible.role: Accessible.EditableText
         Accessible.name: Tr.t("SQL", "SQL", "SQL")
-        background: Rectangle {
-            color: Theme.textBackground
-        }
+        Accessible.multiLine: true
         Component.onCompleted: {
             editor.controller.plainColor = Qt.binding(() => Theme.label)
             editor.controller.commentColor = Qt.binding(() => Theme.secondaryLabel)
-            editor.controller.textDocument = area.textDocument
-            editor.updateVisibleRange()
+            editor.controller.textDocument = area.document
+            editor.controller.setVisibleRange(area.firstVisiblePosition, area.lastVisiblePosition)
         }
+        // The colouring does the characters on screen first.
+        onVisibleRangeChanged: editor.controller.setVisibleRange(area.firstVisiblePosition,
+                                                                 area.lastVisiblePosition)
     }
 
-    // Tells the colouring which characters are on screen, so that they are coloured first.
-    function updateVisibleRange() {
-        const flickable = contentItem as Flickable
-        if (!flickable)
-            return
-        const first = area.positionAt(0, flickable.contentY)
-        const last = area.positionAt(area.width, flickable.contentY + flickable.height)
-        controller.setVisibleRange(first, last)
-    }
+    ScrollBar {
+        id: scrollBar
 
-    Connections {
-        target: editor.contentItem
-
-        function onContentYChanged() {
-            editor.updateVisibleRange()
-        }
-        function onHeightChanged() {
-            editor.updateVisibleRange()
+        anchors.top: parent.top
+        anchors.right: parent.right
+        anchors.bottom: parent.bottom
+        orientation: Qt.Vertical
+        policy: area.contentHeight > area.height ? ScrollBar.AsNeeded : ScrollBar.AlwaysOff
+        size: area.height / Math.max(area.contentHeight, 1)
+        position: area.contentY / Math.max(area.contentHeight, 1)
+        onPositionChanged: {
+            if (pressed)
+                area.contentY = position * area.contentHeight
         }
     }
 }

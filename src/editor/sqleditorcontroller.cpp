@@ -7,8 +7,6 @@
 #include "sqlformatter.h"
 #include "sqlhighlightdriver.h"
 
-#include <QQuickItem>
-#include <QQuickTextDocument>
 #include <QTextCursor>
 #include <QTextDocument>
 
@@ -118,30 +116,22 @@ void SQLEditorController::setVisibleRange(int firstPosition, int lastPosition)
     m_highlighter->setVisibleRange(firstPosition, lastPosition);
 }
 
-void SQLEditorController::setTextDocument(QQuickTextDocument *document)
+void SQLEditorController::setTextDocument(QTextDocument *document)
 {
-    if (m_quickDocument == document)
+    if (m_document == document)
         return;
-    m_quickDocument = document;
-    setDocument(document ? document->textDocument() : nullptr);
-    Q_EMIT textDocumentChanged();
-}
-
-void SQLEditorController::setDocument(QTextDocument *document)
-{
     if (m_document)
         disconnect(m_document, nullptr, this, nullptr);
     m_document = document;
-    if (!document) {
-        m_highlighter->setDocument(nullptr);
-        return;
+    if (document) {
+        // A document tells of its changes only once it has a layout; a view gives it one.
+        document->documentLayout();
+        connect(document, &QTextDocument::contentsChange, this, &SQLEditorController::onContentsChange);
     }
-    // A document tells of its changes only once it has a layout; a view gives it one.
-    document->documentLayout();
-    connect(document, &QTextDocument::contentsChange, this, &SQLEditorController::onContentsChange);
     m_highlighter->setDocument(document);
     // A new view shows the text it is given, whatever it had.
     pushText(m_content);
+    Q_EMIT textDocumentChanged();
 }
 
 void SQLEditorController::loadSelectedDocument()
@@ -174,13 +164,8 @@ void SQLEditorController::pushText(const QString &text)
     if (!m_document)
         return;
     m_isUpdatingFromExternal = true;
-    // Through the view's own property when there is a view: a text edit whose document is
-    // replaced behind its back keeps stale scene nodes and redraws everything at each key.
-    QObject *view = m_quickDocument ? m_quickDocument->parent() : nullptr;
-    if (view)
-        view->setProperty("text", text);
-    else
-        m_document->setPlainText(text);
+    // A load is not an edit: setting the text also empties the undo stack.
+    m_document->setPlainText(text);
     m_isUpdatingFromExternal = false;
 }
 
@@ -188,14 +173,6 @@ void SQLEditorController::onContentsChange(int, int removed, int added)
 {
     if (m_isUpdatingFromExternal || m_documentId.isNull() || (removed == 0 && added == 0))
         return;
-    // Qt 6.4's text edit builds scene nodes only for the lines on screen once it observes its
-    // viewport, and it turns that on only when a long text is set, not when one grows by edits:
-    // after a paste of megabytes every frame rebuilt the glyphs of the whole text (seconds per
-    // key, gigabytes of nodes). A text grown long gets the same treatment as one loaded long.
-    if (added > removed && m_quickDocument && m_document->characterCount() > largeTextThreshold) {
-        if (auto *view = qobject_cast<QQuickItem *>(m_quickDocument->parent()))
-            view->setFlag(QQuickItem::ItemObservesViewport);
-    }
     m_dirty = true;
     setHasUnsavedChanges(true);
     scheduleAutoSave(false);

@@ -3,15 +3,15 @@
 #include <QColor>
 #include <QObject>
 #include <QPointer>
+#include <QTextDocument>
 #include <QQmlEngine>
-#include <QQuickTextDocument>
 #include <QTimer>
 #include <QUuid>
 
 class DataStore;
 class SQLHighlightDriver;
 class Preferences;
-class QTextDocument;
+
 
 // The editor screen's state behind the text view: which document is shown, the text's way
 // up into the store (brought up to date at most once per frame, written 0.8 s after the last
@@ -24,8 +24,8 @@ class SQLEditorController : public QObject
 {
     Q_OBJECT
     QML_ELEMENT
-    Q_PROPERTY(
-        QQuickTextDocument *textDocument READ textDocument WRITE setTextDocument NOTIFY textDocumentChanged)
+    // The text view's document; the controller loads texts into it and follows its edits.
+    Q_PROPERTY(QTextDocument *textDocument READ textDocument WRITE setTextDocument NOTIFY textDocumentChanged)
     Q_PROPERTY(bool hasDocument READ hasDocument NOTIFY documentChanged)
     Q_PROPERTY(QString documentId READ documentIdText NOTIFY documentChanged)
     Q_PROPERTY(QString documentName READ documentName NOTIFY documentNameChanged)
@@ -42,17 +42,13 @@ public:
     static constexpr int autoSaveDelayMs = 800;
     // At most one trip of the text into the store per frame.
     static constexpr int syncDelayMs = 16;
-    // The length from which Qt's text edit draws only what is on screen when a text is set.
-    static constexpr int largeTextThreshold = 10'000;
 
     explicit SQLEditorController(QObject *parent = nullptr);
     SQLEditorController(DataStore *store, Preferences *preferences, QObject *parent = nullptr);
     ~SQLEditorController() override;
 
-    [[nodiscard]] QQuickTextDocument *textDocument() const { return m_quickDocument; }
-    void setTextDocument(QQuickTextDocument *document);
-    // For tests and other hosts of a plain QTextDocument.
-    void setDocument(QTextDocument *document);
+    [[nodiscard]] QTextDocument *textDocument() const { return m_document; }
+    void setTextDocument(QTextDocument *document);
 
     [[nodiscard]] bool hasDocument() const { return !m_documentId.isNull(); }
     [[nodiscard]] QString documentIdText() const;
@@ -109,7 +105,6 @@ private:
 
     QPointer<DataStore> m_store;
     Preferences *m_preferences = nullptr;
-    QPointer<QQuickTextDocument> m_quickDocument;
     QPointer<QTextDocument> m_document;
     QUuid m_documentId;
     QString m_documentName;

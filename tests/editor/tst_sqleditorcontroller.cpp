@@ -50,7 +50,7 @@ private Q_SLOTS:
         m_store = std::make_unique<DataStore>(m_dir.filePath(u"store"_s), m_settings.get());
         m_preferences = std::make_unique<Preferences>(m_settings.get());
         m_controller = std::make_unique<SQLEditorController>(m_store.get(), m_preferences.get());
-        m_controller->setDocument(&m_document);
+        m_controller->setTextDocument(&m_document);
     }
     void cleanup()
     {

@@ -101,6 +101,8 @@ SQLEditorItem::SQLEditorItem(QQuickItem *parent)
     m_document->setDocumentLayout(m_layout);
     m_cursor = QTextCursor(m_document);
     m_lineCount = m_layout->lineCount();
+    // The margin is a change of the root frame, which the document would offer to undo.
+    m_document->clearUndoRedoStacks();
 
     connect(m_document, &QTextDocument::contentsChange, this, &SQLEditorItem::contentsChange);
     connect(m_document, &QTextDocument::contentsChanged, this, &SQLEditorItem::textChanged);
@@ -298,8 +300,9 @@ void SQLEditorItem::contentsChange(int position, int removed, int added)
     const int before = m_lineCount;
     m_lineCount = m_layout->lineCount();
     if (position == 0 && !m_document->isUndoAvailable() && added == m_document->characterCount()) {
-        // A new text (setPlainText): shown from its top.
+        // A new text (setPlainText): shown from its top, with the caret at its start.
         clearPreedit();
+        m_cursor = QTextCursor(m_document);
         m_topLine = 0;
         m_topOffset = 0;
         Q_EMIT contentYChanged();
@@ -495,6 +498,9 @@ bool SQLEditorItem::handleMove(QKeyEvent *event)
 void SQLEditorItem::movePage(int direction, QTextCursor::MoveMode mode)
 {
     const int lines = std::max(1, int(height() / lineHeight()) - 1);
+    // The lines above are laid out first, so that the caret and the view move by the same lines.
+    if (direction < 0)
+        layOutLinesAbove(contentY() - lines * lineHeight());
     const QRectF caret = cursorRectangle();
     QTextCursor cursor = m_cursor;
     cursor.movePosition(direction > 0 ? QTextCursor::Down : QTextCursor::Up, mode, lines);

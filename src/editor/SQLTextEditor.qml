@@ -31,9 +31,7 @@ Item {
         selectedTextColor: Theme.label
         horizontalPadding: 12
         verticalPadding: 16
-        Accessible.role: Accessible.EditableText
-        Accessible.name: Tr.t("SQL", "SQL", "SQL")
-        Accessible.multiLine: true
+        accessibleName: Tr.t("SQL", "SQL", "SQL")
         Component.onCompleted: {
             editor.controller.plainColor = Qt.binding(() => Theme.label)
             editor.controller.commentColor = Qt.binding(() => Theme.secondaryLabel)

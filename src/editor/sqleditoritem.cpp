@@ -1,7 +1,9 @@
 #include "sqleditoritem.h"
 
+#include "sqleditoraccessible.h"
 #include "sqltextlayout.h"
 
+#include <QAccessible>
 #include <QClipboard>
 #include <QCursor>
 #include <QGuiApplication>
@@ -92,6 +94,8 @@ SQLEditorItem::SQLEditorItem(QQuickItem *parent)
     QQuickItem::setCursor(QCursor(Qt::IBeamCursor));
     setActiveFocusOnTab(true);
     setOpaquePainting(true);
+    static const bool accessible = (SQLEditorAccessible::install(), true);
+    Q_UNUSED(accessible)
 
     // The layout goes in before anything asks the document for one: Qt's own would lay out
     // the whole text.
@@ -223,6 +227,14 @@ qreal SQLEditorItem::contentHeight() const
 bool SQLEditorItem::canUndo() const
 {
     return m_document->isUndoAvailable();
+}
+
+void SQLEditorItem::setAccessibleName(const QString &name)
+{
+    if (name == m_accessibleName)
+        return;
+    m_accessibleName = name;
+    Q_EMIT accessibleNameChanged();
 }
 
 bool SQLEditorItem::canRedo() const
@@ -606,6 +618,14 @@ void SQLEditorItem::cursorChanged(bool scroll)
     Q_EMIT selectionChanged();
     if (hasActiveFocus())
         QGuiApplication::inputMethod()->update(Qt::ImQueryInput);
+    if (QAccessible::isActive()) {
+        QAccessibleTextCursorEvent moved(this, m_cursor.position());
+        QAccessible::updateAccessibility(&moved);
+        if (m_cursor.hasSelection()) {
+            QAccessibleTextSelectionEvent selected(this, m_cursor.selectionStart(), m_cursor.selectionEnd());
+            QAccessible::updateAccessibility(&selected);
+        }
+    }
     update();
 }
 

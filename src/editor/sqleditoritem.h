@@ -42,6 +42,8 @@ class SQLEditorItem : public QQuickPaintedItem
     Q_PROPERTY(int lastVisiblePosition READ lastVisiblePosition NOTIFY visibleRangeChanged)
     Q_PROPERTY(bool canUndo READ canUndo NOTIFY canUndoChanged)
     Q_PROPERTY(bool canRedo READ canRedo NOTIFY canRedoChanged)
+    // The name screen readers give the field.
+    Q_PROPERTY(QString accessibleName READ accessibleName WRITE setAccessibleName NOTIFY accessibleNameChanged)
 
 public:
     // What Tab puts in and Shift+Tab takes out at a line start.
@@ -82,9 +84,13 @@ public:
     [[nodiscard]] int lastVisiblePosition() const { return m_lastVisible; }
     [[nodiscard]] bool canUndo() const;
     [[nodiscard]] bool canRedo() const;
+    [[nodiscard]] QString accessibleName() const { return m_accessibleName; }
+    void setAccessibleName(const QString &name);
 
     // Where the caret is drawn, in the item's coordinates.
     [[nodiscard]] Q_INVOKABLE QRectF cursorRectangle() const;
+    // Where the character at `position` is drawn, in the item's coordinates.
+    [[nodiscard]] Q_INVOKABLE QRectF positionRectangle(int position) const { return lineRectangle(position, 0); }
     // The text position at a point of the item.
     [[nodiscard]] Q_INVOKABLE int positionAt(qreal x, qreal y) const;
 
@@ -114,6 +120,7 @@ Q_SIGNALS:
     void visibleRangeChanged();
     void canUndoChanged();
     void canRedoChanged();
+    void accessibleNameChanged();
 
 protected:
     bool event(QEvent *event) override;
@@ -170,6 +177,7 @@ private:
     int m_firstVisible = 0;
     int m_lastVisible = 0;
 
+    QString m_accessibleName;
     QString m_preeditText;
     int m_preeditCursor = 0;
     bool m_preeditCursorVisible = true;

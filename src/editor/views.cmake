@@ -10,5 +10,6 @@ list(APPEND VARNHOLT_VIEW_QML
 list(APPEND VARNHOLT_VIEW_SOURCES
     ${CMAKE_CURRENT_LIST_DIR}/sqleditorcontroller.cpp ${CMAKE_CURRENT_LIST_DIR}/sqleditorcontroller.h
     ${CMAKE_CURRENT_LIST_DIR}/sqleditoritem.cpp ${CMAKE_CURRENT_LIST_DIR}/sqleditoritem.h
+    ${CMAKE_CURRENT_LIST_DIR}/sqleditoraccessible.cpp ${CMAKE_CURRENT_LIST_DIR}/sqleditoraccessible.h
 )
 list(APPEND VARNHOLT_VIEW_LIBRARIES varnholt_sqlformat varnholt_sqlcolour varnholt_editor)

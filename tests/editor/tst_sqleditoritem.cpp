@@ -4,6 +4,7 @@
 #include "sqlhighlighter.h"
 #include "sqltextlayout.h"
 
+#include <QAccessible>
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QInputMethodEvent>
@@ -325,6 +326,34 @@ private Q_SLOTS:
         m_item->setContentY(m_item->contentHeight() / 2);
         QVERIFY(m_item->firstVisiblePosition() > m_item->document()->characterCount() / 3);
         QVERIFY(m_item->lastVisiblePosition() > m_item->firstVisiblePosition());
+    }
+
+    // Screen readers read the text by lines and follow the caret and the selection.
+    void accessibleText()
+    {
+        setText(u"select a\nfrom t\nwhere x = 1"_s);
+        m_item->setAccessibleName(u"SQL"_s);
+        QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(m_item);
+        QVERIFY(accessible);
+        QCOMPARE(accessible->role(), QAccessible::EditableText);
+        QCOMPARE(accessible->text(QAccessible::Name), u"SQL"_s);
+        QVERIFY(accessible->state().multiLine && accessible->state().editable);
+        QAccessibleTextInterface *text = accessible->textInterface();
+        QVERIFY(text);
+        QCOMPARE(text->characterCount(), 27);
+        int start = 0;
+        int end = 0;
+        QCOMPARE(text->textAtOffset(11, QAccessible::LineBoundary, &start, &end), u"from t\n"_s);
+        QCOMPARE(text->textAtOffset(2, QAccessible::WordBoundary, &start, &end), u"select"_s);
+        QCOMPARE(text->textAtOffset(20, QAccessible::LineBoundary, &start, &end), u"where x = 1"_s);
+        key(Qt::Key_Down);
+        QCOMPARE(text->cursorPosition(), 9);
+        text->setSelection(0, 0, 6);
+        QCOMPARE(m_item->selectedText(), u"select"_s);
+        QCOMPARE(text->selectionCount(), 1);
+        const QRect character = text->characterRect(9);
+        QCOMPARE(text->offsetAtPoint(character.center() + QPoint(1, 0)), 9);
+        QVERIFY(accessible->parent());
     }
 
     // Random sessions of typing, pastes with CRLF, undo and redo, and input-method commits,

@@ -90,11 +90,6 @@ std::pair<QTextBlock, int> SQLTextLayout::blockAtLine(int line) const
     return {block, std::clamp(line - block.firstLineNumber(), 0, std::max(0, block.lineCount() - 1))};
 }
 
-int SQLTextLayout::firstLineOf(const QTextBlock &block)
-{
-    return block.firstLineNumber();
-}
-
 int SQLTextLayout::lineOfPosition(int position)
 {
     const QTextBlock block = document()->findBlock(position);

@@ -33,8 +33,6 @@ public:
     [[nodiscard]] int lineCount() const;
     // The block that holds visual line `line` (clamped to the text), and the line's index in it.
     [[nodiscard]] std::pair<QTextBlock, int> blockAtLine(int line) const;
-    // The visual line where `block` starts.
-    [[nodiscard]] static int firstLineOf(const QTextBlock &block);
     // The visual line of the text position `position` (laying its block out).
     [[nodiscard]] int lineOfPosition(int position);
     // The text position nearest to `point`, in document coordinates (lines from y = 0).

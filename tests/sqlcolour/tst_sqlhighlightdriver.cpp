@@ -1,3 +1,4 @@
+#include "colourcheck.h"
 #include "randomsql.h"
 #include "sqlhighlightdriver.h"
 #include "sqlhighlighter.h"
@@ -10,28 +11,6 @@
 #include <limits>
 
 namespace {
-
-// The blocks whose formats differ from the whole-text editor pass clipped to them.
-QList<int> wrongBlocks(const QTextDocument &document, const SQLHighlightDriver &driver)
-{
-    const QList<SQLHighlightSpan> spans = SQLHighlighter::editorSpans(document.toPlainText());
-    const SQLHighlightFormats formats(driver.plainColor(), driver.commentColor(), driver.fontSize());
-    QList<int> wrong;
-    for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
-        const qsizetype from = block.position();
-        const qsizetype to = from + block.length() - 1;
-        QList<SQLHighlightSpan> clipped;
-        for (const SQLHighlightSpan &span : spans) {
-            const qsizetype start = std::max(span.start, from);
-            if (span.end() > start && start < to)
-                clipped.append(
-                    {start - from, std::min(span.end(), to) - start, span.role, span.hasKeywordWeight});
-        }
-        if (block.layout()->formats() != formats.formatRanges(clipped, to - from))
-            wrong.append(block.blockNumber());
-    }
-    return wrong;
-}
 
 // One random edit through a cursor, as typing, deleting, pasting and undoing make them.
 QString randomEdit(QRandomGenerator &random, QTextDocument &document)
@@ -125,7 +104,7 @@ private Q_SLOTS:
         driver.setDocument(&document);
         driver.setBudgetNs(std::numeric_limits<qint64>::max() / 4); // keystrokes finish their part
         driver.finishPendingWork();
-        QCOMPARE(wrongBlocks(document, driver), QList<int>());
+        QCOMPARE(wrongColours(document, driver), QList<int>());
         for (int step = 0; step < steps; ++step) {
             if (withView && random.bounded(4) == 0) {
                 const int from = random.bounded(document.characterCount());
@@ -142,7 +121,7 @@ private Q_SLOTS:
                     continue;
             }
             driver.finishPendingWork();
-            const QList<int> wrong = wrongBlocks(document, driver);
+            const QList<int> wrong = wrongColours(document, driver);
             QVERIFY2(wrong.isEmpty(),
                      qPrintable(u"step %1, %2: block %3 %4"_s.arg(step)
                                     .arg(edit)
@@ -166,19 +145,19 @@ private Q_SLOTS:
         QTextCursor cursor(document.findBlockByNumber(2));
         cursor.insertText(u"'"_s);
         QVERIFY(driver.hasPendingWork());
-        QCOMPARE(wrongBlocks(document, driver).constFirst(), 41);
+        QCOMPARE(wrongColours(document, driver).constFirst(), 41);
         QTRY_VERIFY(!driver.hasPendingWork()); // the idle slices, from the event loop
-        QCOMPARE(wrongBlocks(document, driver), QList<int>());
+        QCOMPARE(wrongColours(document, driver), QList<int>());
 
         // Scrolling to lines not yet coloured colours them at once.
         cursor.insertText(u"'"_s);
         driver.setVisibleRange(document.findBlockByNumber(1990).position(),
                                document.findBlockByNumber(2010).position());
-        const QList<int> wrong = wrongBlocks(document, driver);
+        const QList<int> wrong = wrongColours(document, driver);
         QVERIFY(!wrong.contains(1990) && !wrong.contains(2010) && wrong.contains(1989) &&
                 wrong.contains(2011));
         driver.finishPendingWork();
-        QCOMPARE(wrongBlocks(document, driver), QList<int>());
+        QCOMPARE(wrongColours(document, driver), QList<int>());
     }
 
     // A block comment opened near the top runs to a "*/" far below: the lines in view take the
@@ -201,14 +180,14 @@ private Q_SLOTS:
         QCOMPARE(firstFormat(30).foreground().color(), driver.commentColor());
         QCOMPARE(firstFormat(30).fontWeight(), highlightPlainWeight);
         driver.finishPendingWork();
-        QCOMPARE(wrongBlocks(document, driver), QList<int>());
+        QCOMPARE(wrongColours(document, driver), QList<int>());
         QCOMPARE(firstFormat(2499).foreground().color(), driver.commentColor());
 
         QTextCursor close(document.findBlockByNumber(2500));
         close.select(QTextCursor::BlockUnderCursor);
         close.removeSelectedText();
         driver.finishPendingWork();
-        QCOMPARE(wrongBlocks(document, driver), QList<int>());
+        QCOMPARE(wrongColours(document, driver), QList<int>());
         QCOMPARE(firstFormat(30).fontWeight(), highlightKeywordWeight);
     }
 
@@ -235,7 +214,7 @@ private Q_SLOTS:
             cursor.insertText(keystroke);
             QVERIFY(!driver.hasPendingWork());
         }
-        QCOMPARE(wrongBlocks(document, driver), QList<int>());
+        QCOMPARE(wrongColours(document, driver), QList<int>());
     }
 
     void themeAndFontSizeRecolour()
@@ -252,7 +231,7 @@ private Q_SLOTS:
         driver.setCommentColor(Qt::red);
         driver.setPlainColor(Qt::blue);
         driver.finishPendingWork();
-        QCOMPARE(wrongBlocks(document, driver), QList<int>());
+        QCOMPARE(wrongColours(document, driver), QList<int>());
         const QList<QTextLayout::FormatRange> ranges = document.lastBlock().previous().layout()->formats();
         QCOMPARE(ranges.last().format.foreground().color(), QColor(Qt::red));
         QCOMPARE(ranges.last().format.fontPointSize(), 20.0);

@@ -5,4 +5,3 @@ add_executable(bench_highlighter
     ${PROJECT_SOURCE_DIR}/tests/sqlcolour/sqlhighlightreference.cpp)
 target_include_directories(bench_highlighter PRIVATE ${PROJECT_SOURCE_DIR}/tests/sqlcolour)
 target_link_libraries(bench_highlighter PRIVATE varnholt_sqlcolour ICU::i18n ICU::uc)
-target_compile_definitions(bench_highlighter PRIVATE VARNHOLT_BENCH_CORPUS="${VARNHOLT_BENCH_CORPUS}")

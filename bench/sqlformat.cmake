@@ -1,3 +1,2 @@
 add_executable(bench_formatter sqlformat/bench_formatter.cpp)
 target_link_libraries(bench_formatter PRIVATE varnholt_sqlformat)
-target_compile_definitions(bench_formatter PRIVATE VARNHOLT_BENCH_CORPUS="${VARNHOLT_BENCH_CORPUS}")

@@ -6,6 +6,7 @@
 //  - a finished reply of 1 MB on one line: to the next frame.
 //
 // Usage: QT_QPA_PLATFORM=offscreen bench_assistant
+#include "benchsupport.h"
 #include "aiservice.h"
 #include "appengine.h"
 #include "chattestserver.h"
@@ -33,20 +34,12 @@
 #include <algorithm>
 #include <cstdio>
 #include <ctime>
-#include <sys/resource.h>
 
 using namespace Qt::StringLiterals;
 
 Q_IMPORT_QML_PLUGIN(VarnholtPlugin)
 
 namespace {
-
-double peakMegabytes()
-{
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    return usage.ru_maxrss / 1024.0;
-}
 
 QString corpus()
 {

@@ -5,6 +5,7 @@
 //
 // Usage: QT_QPA_PLATFORM=offscreen QT_QUICK_BACKEND=software bench_window [1mb] [10mb] [paste]
 // (no rows named: all of them)
+#include "benchsupport.h"
 #include "appengine.h"
 #include "datastore.h"
 #include "sqleditorcontroller.h"
@@ -25,7 +26,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <sys/resource.h>
 
 using namespace Qt::StringLiterals;
 
@@ -34,33 +34,6 @@ Q_IMPORT_QML_PLUGIN(VarnholtPlugin)
 namespace {
 
 QElapsedTimer processClock;
-
-// The memory the process holds now.
-double residentMegabytes()
-{
-    QFile statm(u"/proc/self/statm"_s);
-    if (!statm.open(QIODevice::ReadOnly))
-        return 0;
-    const QList<QByteArray> fields = statm.readAll().split(' ');
-    return fields.value(1).toDouble() * 4096 / (1 << 20);
-}
-
-double peakMegabytes()
-{
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    return usage.ru_maxrss / 1024.0;
-}
-
-QString corpusText(qsizetype size)
-{
-    QFile file(QStringLiteral(VARNHOLT_BENCH_CORPUS "/sql-10m.sql"));
-    if (!file.open(QIODevice::ReadOnly))
-        qFatal("cannot read %s", qPrintable(file.fileName()));
-    QString text = QString::fromUtf8(file.read(size * 2));
-    text.truncate(size);
-    return text.left(text.lastIndexOf(u'\n') + 1);
-}
 
 void writeStore(const QString &folder)
 {

@@ -4,6 +4,7 @@
 //
 // Usage: bench_store [folder]   (default: a temporary folder, removed afterwards)
 //        bench_store --load <folder>   (what the first run starts to time loading in a fresh process)
+#include "benchsupport.h"
 #include "datastore.h"
 
 #include <QCoreApplication>
@@ -16,18 +17,10 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <sys/resource.h>
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-double peakMegabytes()
-{
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    return usage.ru_maxrss / 1024.0;
-}
 
 double ms(const QElapsedTimer &timer)
 {

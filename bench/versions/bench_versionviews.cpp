@@ -4,6 +4,7 @@
 // texts (1,000 lines changed; two unrelated texts), with the memory used.
 //
 // Usage: QT_QPA_PLATFORM=offscreen QT_QUICK_BACKEND=software bench_versionviews
+#include "benchsupport.h"
 #include "appengine.h"
 #include "datastore.h"
 #include "testenvironment.h"
@@ -20,30 +21,12 @@
 #include <QtQml/qqmlextensionplugin.h>
 
 #include <cstdio>
-#include <sys/resource.h>
 
 using namespace Qt::StringLiterals;
 
 Q_IMPORT_QML_PLUGIN(VarnholtPlugin)
 
 namespace {
-
-double peakMegabytes()
-{
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    return usage.ru_maxrss / 1024.0;
-}
-
-QString corpusText(qsizetype size)
-{
-    QFile file(QStringLiteral(VARNHOLT_BENCH_CORPUS "/sql-10m.sql"));
-    if (!file.open(QIODevice::ReadOnly))
-        qFatal("cannot read %s", qPrintable(file.fileName()));
-    QString text = QString::fromUtf8(file.read(size * 2));
-    text.truncate(size);
-    return text.left(text.lastIndexOf(u'\n') + 1);
-}
 
 // Milliseconds from `start` to the window's next frame.
 double untilNextFrame(QQuickView &view, const QElapsedTimer &start)

@@ -151,15 +151,12 @@ QString SQLEditorAccessible::textAtOffset(int offset, QAccessible::TextBoundaryT
     }
     QTextCursor cursor(document);
     cursor.setPosition(offset);
-    const QTextCursor::SelectionType unit = boundaryType == QAccessible::WordBoundary ? QTextCursor::WordUnderCursor
-                                            : boundaryType == QAccessible::SentenceBoundary
-                                                ? QTextCursor::BlockUnderCursor
-                                                : QTextCursor::WordUnderCursor;
-    if (boundaryType == QAccessible::CharBoundary) {
+    if (boundaryType == QAccessible::CharBoundary)
         cursor.movePosition(QTextCursor::NextCharacter, QTextCursor::KeepAnchor);
-    } else {
-        cursor.select(unit);
-    }
+    else if (boundaryType == QAccessible::SentenceBoundary)
+        cursor.select(QTextCursor::BlockUnderCursor);
+    else
+        cursor.select(QTextCursor::WordUnderCursor);
     *startOffset = cursor.selectionStart();
     *endOffset = cursor.selectionEnd();
     return text(*startOffset, *endOffset);

@@ -88,7 +88,6 @@ SQLEditorItem::SQLEditorItem(QQuickItem *parent)
     , m_document(new QTextDocument(this))
 {
     setFlag(ItemAcceptsInputMethod);
-    setFlag(ItemIsFocusScope, false);
     setAcceptedMouseButtons(Qt::LeftButton | Qt::MiddleButton);
     setAcceptHoverEvents(true);
     QQuickItem::setCursor(QCursor(Qt::IBeamCursor));

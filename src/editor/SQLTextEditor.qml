@@ -36,11 +36,7 @@ Item {
             editor.controller.plainColor = Qt.binding(() => Theme.label)
             editor.controller.commentColor = Qt.binding(() => Theme.secondaryLabel)
             editor.controller.textDocument = area.document
-            editor.controller.setVisibleRange(area.firstVisiblePosition, area.lastVisiblePosition)
         }
-        // The colouring does the characters on screen first.
-        onVisibleRangeChanged: editor.controller.setVisibleRange(area.firstVisiblePosition,
-                                                                 area.lastVisiblePosition)
     }
 
     ScrollBar {

@@ -6,6 +6,7 @@
 #include "preferences.h"
 #include "sqlformatter.h"
 #include "sqlhighlightdriver.h"
+#include "sqltextlayout.h"
 
 #include <QTextCursor>
 #include <QTextDocument>
@@ -111,11 +112,6 @@ void SQLEditorController::setCommentColor(const QColor &color)
     Q_EMIT coloursChanged();
 }
 
-void SQLEditorController::setVisibleRange(int firstPosition, int lastPosition)
-{
-    m_highlighter->setVisibleRange(firstPosition, lastPosition);
-}
-
 void SQLEditorController::setTextDocument(QTextDocument *document)
 {
     if (m_document == document)
@@ -129,6 +125,9 @@ void SQLEditorController::setTextDocument(QTextDocument *document)
         connect(document, &QTextDocument::contentsChange, this, &SQLEditorController::onContentsChange);
     }
     m_highlighter->setDocument(document);
+    // The editor's own layout colours each block as it lays it out.
+    if (auto *layout = document ? qobject_cast<SQLTextLayout *>(document->documentLayout()) : nullptr)
+        layout->setHighlighter(m_highlighter);
     // A new view shows the text it is given, whatever it had.
     pushText(m_content);
     Q_EMIT textDocumentChanged();

@@ -64,9 +64,6 @@ public:
     void setCommentColor(const QColor &color);
     [[nodiscard]] SQLHighlightDriver *highlighter() const { return m_highlighter; }
 
-    // The characters the view shows, coloured first after every change.
-    Q_INVOKABLE void setVisibleRange(int firstPosition, int lastPosition);
-
     // Lays out the whole text with the formatter; undoable. Nothing for a blank text.
     Q_INVOKABLE void formatDocument();
     // Replaces the whole text as one edit that Undo takes back, and brings it into the store.

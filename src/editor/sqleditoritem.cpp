@@ -143,7 +143,6 @@ void SQLEditorItem::setFont(const QFont &font)
     m_document->setDefaultTextOption(option);
     Q_EMIT fontChanged();
     Q_EMIT contentHeightChanged();
-    updateVisibleRange();
     update();
 }
 
@@ -257,7 +256,6 @@ void SQLEditorItem::scrollToLine(qreal y)
     m_topLine = line;
     m_topOffset = offset;
     Q_EMIT contentYChanged();
-    updateVisibleRange();
     update();
 }
 
@@ -290,14 +288,11 @@ void SQLEditorItem::geometryChange(const QRectF &newGeometry, const QRectF &oldG
     QQuickPaintedItem::geometryChange(newGeometry, oldGeometry);
     if (newGeometry.width() != oldGeometry.width())
         updateTextWidth();
-    if (newGeometry.height() != oldGeometry.height())
-        updateVisibleRange();
 }
 
 void SQLEditorItem::updateTextWidth()
 {
     m_layout->setTextWidth(std::max<qreal>(1, width() - 2 * m_horizontalPadding));
-    updateVisibleRange();
 }
 
 void SQLEditorItem::documentSizeChanged()
@@ -328,23 +323,7 @@ void SQLEditorItem::contentsChange(int position, int removed, int added)
         Q_EMIT selectionChanged();
     }
     Q_EMIT contentHeightChanged();
-    updateVisibleRange();
     update();
-}
-
-void SQLEditorItem::updateVisibleRange()
-{
-    const int firstLine = std::max(0, int((contentY() - m_verticalPadding) / lineHeight()));
-    const int lastLine = int(std::ceil((contentY() - m_verticalPadding + height()) / lineHeight()));
-    const auto [firstBlock, firstIndex] = m_layout->blockAtLine(firstLine);
-    const auto [lastBlock, lastIndex] = m_layout->blockAtLine(lastLine);
-    const int first = firstBlock.position();
-    const int last = lastBlock.position() + lastBlock.length() - 1;
-    if (first == m_firstVisible && last == m_lastVisible)
-        return;
-    m_firstVisible = first;
-    m_lastVisible = last;
-    Q_EMIT visibleRangeChanged();
 }
 
 QRectF SQLEditorItem::lineRectangle(int position, int preeditOffset) const

@@ -38,8 +38,6 @@ class SQLEditorItem : public QQuickPaintedItem
     Q_PROPERTY(qreal contentY READ contentY WRITE setContentY NOTIFY contentYChanged)
     Q_PROPERTY(qreal contentHeight READ contentHeight NOTIFY contentHeightChanged)
     Q_PROPERTY(qreal lineHeight READ lineHeight NOTIFY fontChanged)
-    Q_PROPERTY(int firstVisiblePosition READ firstVisiblePosition NOTIFY visibleRangeChanged)
-    Q_PROPERTY(int lastVisiblePosition READ lastVisiblePosition NOTIFY visibleRangeChanged)
     Q_PROPERTY(bool canUndo READ canUndo NOTIFY canUndoChanged)
     Q_PROPERTY(bool canRedo READ canRedo NOTIFY canRedoChanged)
     // The name screen readers give the field.
@@ -80,8 +78,6 @@ public:
     void setContentY(qreal y);
     [[nodiscard]] qreal contentHeight() const;
     [[nodiscard]] qreal lineHeight() const;
-    [[nodiscard]] int firstVisiblePosition() const { return m_firstVisible; }
-    [[nodiscard]] int lastVisiblePosition() const { return m_lastVisible; }
     [[nodiscard]] bool canUndo() const;
     [[nodiscard]] bool canRedo() const;
     [[nodiscard]] QString accessibleName() const { return m_accessibleName; }
@@ -117,7 +113,6 @@ Q_SIGNALS:
     void preeditTextChanged();
     void contentYChanged();
     void contentHeightChanged();
-    void visibleRangeChanged();
     void canUndoChanged();
     void canRedoChanged();
     void accessibleNameChanged();
@@ -153,7 +148,6 @@ private:
     void scrollToLine(qreal y);
     void layOutLinesAbove(qreal y);
     void updateTextWidth();
-    void updateVisibleRange();
     void restartBlink();
     void updatePrimarySelection();
     void clearPreedit();
@@ -174,8 +168,6 @@ private:
     int m_topLine = 0;
     qreal m_topOffset = 0;
     int m_lineCount = 1;
-    int m_firstVisible = 0;
-    int m_lastVisible = 0;
 
     QString m_accessibleName;
     QString m_preeditText;

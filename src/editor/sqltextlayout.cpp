@@ -1,7 +1,10 @@
 #include "sqltextlayout.h"
 
+#include "sqlhighlightdriver.h"
+
 #include <QFontMetricsF>
 #include <QPainter>
+#include <QScopedValueRollback>
 #include <QTextBlock>
 #include <QTextDocument>
 #include <QTextLayout>
@@ -49,9 +52,30 @@ bool SQLTextLayout::isLaidOut(const QTextBlock &block)
     return block.layout()->lineCount() > 0;
 }
 
+void SQLTextLayout::setHighlighter(SQLHighlightDriver *highlighter)
+{
+    if (highlighter == m_highlighter)
+        return;
+    disconnect(m_coloursConnection);
+    m_highlighter = highlighter;
+    if (highlighter) {
+        // New colours (a theme, a font size) reshape the lines shown when they are painted next.
+        m_coloursConnection = connect(highlighter, &SQLHighlightDriver::coloursChanged, this,
+                                      [this] { Q_EMIT update(); });
+    }
+    Q_EMIT update();
+}
+
 bool SQLTextLayout::ensureLaidOut(const QTextBlock &block)
 {
-    if (!block.isValid() || isLaidOut(block))
+    if (!block.isValid())
+        return false;
+    bool recoloured = false;
+    if (m_highlighter) {
+        const QScopedValueRollback colouring(m_colouring, true);
+        recoloured = m_highlighter->colourBlock(block);
+    }
+    if (!recoloured && isLaidOut(block))
         return false;
     const int before = block.lineCount();
     layOut(block);
@@ -161,6 +185,8 @@ QRectF SQLTextLayout::blockBoundingRect(const QTextBlock &block) const
 
 void SQLTextLayout::documentChanged(int from, int charsRemoved, int charsAdded)
 {
+    if (m_colouring)
+        return;
     QTextDocument *document = this->document();
     const int blockCount = document->blockCount();
     const bool sizeMayChange = blockCount != m_blockCount;

@@ -2,8 +2,10 @@
 
 #include <QAbstractTextDocumentLayout>
 #include <QFont>
+#include <QPointer>
 
 class QTextBlock;
+class SQLHighlightDriver;
 
 // A document layout for the editor whose cost follows what is shown, not the size of the text.
 //
@@ -12,7 +14,8 @@ class QTextBlock;
 // until then it counts as one line. The document keeps each block's line count in its block
 // tree, so finding the block at a line and the line of a block are logarithmic however long the
 // text. An edit lays out again only the blocks it touched that were laid out before; a change of
-// width or font drops every layout and the view lays out what it shows again.
+// width or font drops every layout and the view lays out what it shows again. A block is given
+// its colours just before it is laid out or painted, so colouring follows what is shown too.
 class SQLTextLayout : public QAbstractTextDocumentLayout
 {
     Q_OBJECT
@@ -25,8 +28,11 @@ public:
     // The font every line is measured with; sets the line height.
     void setFont(const QFont &font);
     [[nodiscard]] qreal lineHeight() const { return m_lineHeight; }
+    // The colouring asked for each block's formats before the block is laid out or painted.
+    void setHighlighter(SQLHighlightDriver *highlighter);
 
-    // Wraps `block` to the width now if it is not laid out; true if its line count changed.
+    // Colours `block` and wraps it to the width now if it is not laid out with its current
+    // colours; true if its line count changed.
     bool ensureLaidOut(const QTextBlock &block);
     [[nodiscard]] static bool isLaidOut(const QTextBlock &block);
     // The visual line count of the whole text, with the blocks not laid out counted as one.
@@ -53,6 +59,11 @@ private:
     void layOut(const QTextBlock &block);
     void dropLayouts();
 
+    QPointer<SQLHighlightDriver> m_highlighter;
+    QMetaObject::Connection m_coloursConnection;
+    // Set while the highlighter puts formats on a block: Qt reports that as a change of the
+    // block, which must not drop the lines about to be laid out.
+    bool m_colouring = false;
     QFont m_font;
     qreal m_textWidth = 0;
     qreal m_lineHeight = 1;

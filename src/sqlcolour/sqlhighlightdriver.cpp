@@ -7,14 +7,10 @@
 
 #include <algorithm>
 #include <array>
-#include <limits>
 
 SQLHighlightDriver::SQLHighlightDriver(QObject *parent)
     : QObject(parent)
 {
-    m_sliceTimer.setSingleShot(true);
-    m_sliceTimer.setInterval(0);
-    connect(&m_sliceTimer, &QTimer::timeout, this, [this] { runSlice(m_budgetNs); });
 }
 
 SQLHighlightDriver::~SQLHighlightDriver() = default;
@@ -25,10 +21,8 @@ void SQLHighlightDriver::setDocument(QTextDocument *document)
         return;
     disconnect(m_changeConnection);
     disconnect(m_destroyConnection);
-    m_sliceTimer.stop();
     m_document = document;
     m_blocks.clear();
-    m_dirtyFrom = m_dirtyTo = -1;
     if (document) {
         // A document without a layout reports no contentsChange.
         document->documentLayout();
@@ -37,14 +31,12 @@ void SQLHighlightDriver::setDocument(QTextDocument *document)
         m_destroyConnection =
             connect(document, &QObject::destroyed, this, &SQLHighlightDriver::documentDestroyed);
         resetBlocks();
-        colourVisibleAndEdited(-1, -1);
     }
     Q_EMIT documentChanged();
 }
 
 void SQLHighlightDriver::documentDestroyed()
 {
-    m_sliceTimer.stop();
     m_blocks.clear();
     m_document = nullptr;
     Q_EMIT documentChanged();
@@ -77,65 +69,61 @@ void SQLHighlightDriver::setCommentColor(const QColor &color)
 void SQLHighlightDriver::setFormats(const SQLHighlightFormats &formats)
 {
     m_formats = formats;
-    applyHighlighting();
+    for (Block &block : m_blocks)
+        block.bits &= quint8(~(Coloured | KeyBits));
+    Q_EMIT coloursChanged();
 }
 
-void SQLHighlightDriver::applyHighlighting()
+bool SQLHighlightDriver::colourBlock(const QTextBlock &block)
+{
+    // Between an edit and its contentsChange the block list may be out of step with the text;
+    // the edited blocks lose their colours when the change arrives and are asked for again.
+    if (!m_document || block.document() != m_document.data() ||
+        int(m_blocks.size()) != m_document->blockCount())
+        return false;
+    if (!colour(block, block.blockNumber()))
+        return false;
+    // Outside a change this hands the layout the block now; inside one the change that is
+    // being reported takes it in.
+    m_document->markContentsDirty(block.position(), block.length());
+    return true;
+}
+
+void SQLHighlightDriver::colourAll()
 {
     if (!m_document)
         return;
-    for (Block &block : m_blocks)
-        block.bits &= quint8(~(Coloured | KeyBits));
-    m_scanFrom = 0;
-    colourVisibleAndEdited(-1, -1);
+    if (int(m_blocks.size()) != m_document->blockCount())
+        resetBlocks();
+    bool changed = false;
+    int number = 0;
+    for (QTextBlock block = m_document->begin(); block.isValid(); block = block.next(), ++number)
+        changed = colour(block, number) || changed;
+    if (changed)
+        m_document->markContentsDirty(0, m_document->characterCount());
 }
 
-void SQLHighlightDriver::setVisibleRange(int firstPosition, int lastPosition)
+bool SQLHighlightDriver::colour(const QTextBlock &block, int blockNumber)
 {
-    if (firstPosition > lastPosition)
-        std::swap(firstPosition, lastPosition);
-    if (firstPosition == m_visibleFrom && lastPosition == m_visibleTo)
-        return;
-    m_visibleFrom = std::max(0, firstPosition);
-    m_visibleTo = std::max(0, lastPosition);
-    if (hasPendingWork())
-        colourVisibleAndEdited(-1, -1);
-}
-
-void SQLHighlightDriver::setBudgetNs(qint64 nanoseconds)
-{
-    m_budgetNs = std::max<qint64>(0, nanoseconds);
-}
-
-bool SQLHighlightDriver::hasPendingWork() const
-{
-    return m_document && m_scanFrom < int(m_blocks.size());
-}
-
-void SQLHighlightDriver::runPendingSlice()
-{
-    m_sliceTimer.stop();
-    runSlice(m_budgetNs);
-}
-
-void SQLHighlightDriver::finishPendingWork()
-{
-    m_sliceTimer.stop();
-    while (hasPendingWork())
-        runSlice(std::numeric_limits<qint64>::max());
+    if (blockNumber < 0 || blockNumber >= int(m_blocks.size()))
+        return false;
+    const SQLLineState start = startState(blockNumber);
+    const quint8 key = colourKey(blockNumber, start);
+    Block &info = m_blocks[std::size_t(blockNumber)];
+    if ((info.bits & Coloured) && (info.bits & KeyBits) == key)
+        return false;
+    const QString text = block.text();
+    SQLHighlighter::editorLineSpans(text, start, quoteFollows(blockNumber), closeFollows(blockNumber), m_spans);
+    block.layout()->setFormats(m_formats.formatRanges(m_spans, text.size()));
+    info.bits = quint8((info.bits & (HasQuote | HasOpen | HasClose)) | Coloured | key);
+    return true;
 }
 
 void SQLHighlightDriver::contentsChange(int position, int removed, int added)
 {
+    Q_UNUSED(removed)
     if (!m_document)
         return;
-    // The view's range moves with the text before it until the view says otherwise.
-    const auto shift = [&](int &visible) {
-        if (visible > position)
-            visible = std::max(position, visible + added - removed);
-    };
-    shift(m_visibleFrom);
-    shift(m_visibleTo);
     const int count = m_document->blockCount();
     const int oldCount = int(m_blocks.size());
     QTextBlock lastBlock = m_document->findBlock(position + added);
@@ -152,40 +140,28 @@ void SQLHighlightDriver::contentsChange(int position, int removed, int added)
     if (oldCount == 0 || lastOld < first || lastOld >= oldCount || lastNew < first) {
         // A change we cannot place (the block list went out of step): start over.
         resetBlocks();
-        colourVisibleAndEdited(-1, -1);
         return;
     }
 
     const int oldLastQuote = m_lastQuoteBlock;
     const int oldLastClose = m_lastCloseBlock;
-    const SQLLineState oldStateAfter = stateAt(lastOld + 1);
     m_blocks.erase(m_blocks.begin() + first, m_blocks.begin() + lastOld + 1);
     m_blocks.insert(m_blocks.begin() + first, std::size_t(lastNew - first + 1), Block{});
     readBlocks(firstBlock, first, lastNew);
     m_lastQuoteBlock = findLastBlockWith(HasQuote);
     m_lastCloseBlock = findLastBlockWith(HasClose);
-    const SQLLineState newStateAfter = stateAt(lastNew + 1);
 
     // Blocks before the edit keep their text and their start states; only whether a quote or
-    // a "*/" follows them can change, for those from the old or the new last one on. Blocks
-    // behind the edit keep what follows them; they start as before unless the edit changed
-    // the state it leaves.
+    // a "*/" follows them can change, for those from the old or the new last one on. Start
+    // states from there on are read again when asked for; a block whose key comes out as
+    // before keeps its formats.
     int lowest = first;
     for (const auto &[before, after] :
          {std::pair(oldLastQuote, m_lastQuoteBlock), std::pair(oldLastClose, m_lastCloseBlock)}) {
         if (before != after)
             lowest = std::min(lowest, std::max(0, std::min(before, after)));
     }
-    const int oldScanFrom = m_scanFrom;
-    m_scanFrom = std::min(oldScanFrom, lowest);
-
-    const int editedEnd = colourVisibleAndEdited(first, lastNew);
-    if (oldStateAfter == newStateAfter && m_scanFrom == first && oldScanFrom > first && editedEnd > lastNew) {
-        // Only the edited blocks needed colour, and they have it.
-        m_scanFrom = oldScanFrom > lastOld ? oldScanFrom + (count - oldCount) : lastNew + 1;
-        if (!hasPendingWork())
-            m_sliceTimer.stop();
-    }
+    m_startsKnown = std::min(m_startsKnown, lowest);
 }
 
 void SQLHighlightDriver::resetBlocks()
@@ -194,7 +170,7 @@ void SQLHighlightDriver::resetBlocks()
     readBlocks(m_document->begin(), 0, int(m_blocks.size()) - 1);
     m_lastQuoteBlock = findLastBlockWith(HasQuote);
     m_lastCloseBlock = findLastBlockWith(HasClose);
-    m_scanFrom = 0;
+    m_startsKnown = 0;
 }
 
 namespace {
@@ -270,13 +246,18 @@ SQLLineState SQLHighlightDriver::endState(int blockNumber, SQLLineState start) c
                         3);
 }
 
-SQLLineState SQLHighlightDriver::stateAt(int blockNumber) const
+SQLLineState SQLHighlightDriver::startState(int blockNumber)
 {
-    SQLLineState state = SQLLineState::Code;
-    const int end = std::min(blockNumber, int(m_blocks.size()));
-    for (int number = 0; number < end; ++number)
-        state = endState(number, state);
-    return state;
+    if (m_startsKnown == 0) {
+        m_blocks.front().start = SQLLineState::Code;
+        m_startsKnown = 1;
+    }
+    for (; m_startsKnown <= blockNumber; ++m_startsKnown) {
+        const int previous = m_startsKnown - 1;
+        m_blocks[std::size_t(m_startsKnown)].start =
+            endState(previous, m_blocks[std::size_t(previous)].start);
+    }
+    return m_blocks[std::size_t(blockNumber)].start;
 }
 
 quint8 SQLHighlightDriver::colourKey(int blockNumber, SQLLineState start) const
@@ -285,108 +266,4 @@ quint8 SQLHighlightDriver::colourKey(int blockNumber, SQLLineState start) const
     return quint8(int(start) << KeyShift |
                   ((bits & HasQuote) && quoteFollows(blockNumber) ? KeyQuoteFollows : 0) |
                   ((bits & HasOpen) && closeFollows(blockNumber) ? KeyCloseFollows : 0));
-}
-
-std::pair<int, int> SQLHighlightDriver::visibleBlocks() const
-{
-    if (m_visibleFrom < 0 || !m_document)
-        return {0, -1};
-    QTextBlock from = m_document->findBlock(m_visibleFrom);
-    QTextBlock to = m_document->findBlock(m_visibleTo);
-    if (!from.isValid())
-        from = m_document->lastBlock();
-    if (!to.isValid())
-        to = m_document->lastBlock();
-    return {from.blockNumber(), to.blockNumber()};
-}
-
-int SQLHighlightDriver::colourVisibleAndEdited(int editedFirst, int editedLast)
-{
-    QElapsedTimer timer;
-    timer.start();
-    const auto [visibleFirst, visibleLast] = visibleBlocks();
-    const int last = int(m_blocks.size()) - 1;
-    bool done = true;
-    if (visibleFirst <= visibleLast)
-        done =
-            colourBlocks(visibleFirst, std::min(visibleLast, last), timer, m_budgetNs, false) > visibleLast;
-    int editedEnd = editedFirst;
-    if (done && editedFirst >= 0)
-        editedEnd = colourBlocks(editedFirst, std::min(editedLast, last), timer, m_budgetNs, false);
-    flushDirty();
-    if (hasPendingWork())
-        schedule();
-    return editedEnd;
-}
-
-int SQLHighlightDriver::colourBlocks(int from, int to, const QElapsedTimer &timer, qint64 budgetNs,
-                                     bool mustProgress)
-{
-    SQLLineState state = stateAt(from);
-    QTextBlock block;
-    int blockNumber = -1;
-    for (int number = from; number <= to; ++number) {
-        Block &info = m_blocks[std::size_t(number)];
-        const quint8 key = colourKey(number, state);
-        if (!(info.bits & Coloured) || (info.bits & KeyBits) != key) {
-            if (!mustProgress && timer.nsecsElapsed() >= budgetNs)
-                return number;
-            mustProgress = false;
-            block = blockNumber == number - 1 && block.isValid() ? block.next()
-                                                                 : m_document->findBlockByNumber(number);
-            blockNumber = number;
-            colourBlock(block, state, quoteFollows(number), closeFollows(number));
-            info.bits = quint8((info.bits & (HasQuote | HasOpen | HasClose)) | Coloured | key);
-        }
-        state = endState(number, state);
-    }
-    return to + 1;
-}
-
-void SQLHighlightDriver::colourBlock(const QTextBlock &block, SQLLineState start, bool quoteFollows,
-                                     bool closeFollows)
-{
-    const QString text = block.text();
-    SQLHighlighter::editorLineSpans(text, start, quoteFollows, closeFollows, m_spans);
-    const QList<QTextLayout::FormatRange> ranges = m_formats.formatRanges(m_spans, text.size());
-    block.layout()->setFormats(ranges);
-    const int from = block.position();
-    const int to = from + block.length();
-    m_dirtyFrom = m_dirtyFrom < 0 ? from : std::min(m_dirtyFrom, from);
-    m_dirtyTo = std::max(m_dirtyTo, to);
-}
-
-void SQLHighlightDriver::flushDirty()
-{
-    if (m_dirtyFrom < 0 || !m_document)
-        return;
-    const int from = m_dirtyFrom;
-    const int length = std::min(m_dirtyTo, m_document->characterCount()) - from;
-    m_dirtyFrom = m_dirtyTo = -1;
-    // Inside a change this widens the change the view lays out after all listeners; outside
-    // one the view lays the range out now.
-    if (length > 0)
-        m_document->markContentsDirty(from, length);
-}
-
-void SQLHighlightDriver::runSlice(qint64 budgetNs)
-{
-    if (!m_document)
-        return;
-    if (int(m_blocks.size()) != m_document->blockCount())
-        resetBlocks();
-    QElapsedTimer timer;
-    timer.start();
-    const int last = int(m_blocks.size()) - 1;
-    if (m_scanFrom <= last)
-        m_scanFrom = colourBlocks(m_scanFrom, last, timer, budgetNs, true);
-    flushDirty();
-    if (hasPendingWork() && budgetNs != std::numeric_limits<qint64>::max())
-        schedule();
-}
-
-void SQLHighlightDriver::schedule()
-{
-    if (!m_sliceTimer.isActive())
-        m_sliceTimer.start();
 }

@@ -8,8 +8,6 @@
 #include <QTextBlock>
 #include <QTextCursor>
 
-#include <limits>
-
 namespace {
 
 // One random edit through a cursor, as typing, deleting, pasting and undoing make them.
@@ -73,55 +71,41 @@ class TestSQLHighlightDriver : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    // Long random edit sequences; after each, once the driver's pending work is done, every
-    // block must carry the whole-text colours.
+    // Long random edit sequences. After each, the blocks a view would show are asked for and
+    // must carry the whole-text colours at once; now and then every block is asked for.
     void randomEdits_data()
     {
         QTest::addColumn<quint32>("seed");
         QTest::addColumn<int>("pieces");
-        QTest::addColumn<bool>("interleaved");
-        QTest::addColumn<bool>("withView");
         QTest::addColumn<int>("steps");
-        QTest::newRow("small text") << 101u << 40 << false << false << 600;
-        QTest::newRow("larger text") << 102u << 600 << false << false << 600;
-        QTest::newRow("with a view") << 103u << 600 << false << true << 600;
-        // Edits that land on pending work are rarer; these rows need longer runs.
-        QTest::newRow("edits between slices") << 104u << 600 << true << false << 2000;
-        QTest::newRow("edits between slices with a view") << 105u << 600 << true << true << 2000;
-        QTest::newRow("empty start") << 106u << 0 << true << true << 2000;
+        QTest::newRow("small text") << 101u << 40 << 600;
+        QTest::newRow("larger text") << 102u << 600 << 1500;
+        QTest::newRow("empty start") << 106u << 0 << 1500;
     }
     void randomEdits()
     {
         QFETCH(quint32, seed);
         QFETCH(int, pieces);
-        QFETCH(bool, interleaved);
-        QFETCH(bool, withView);
         QFETCH(int, steps);
         QRandomGenerator random(seed);
         QTextDocument document;
         document.setPlainText(randomsql::text(random, pieces, true));
         SQLHighlightDriver driver;
         driver.setDocument(&document);
-        driver.setBudgetNs(std::numeric_limits<qint64>::max() / 4); // keystrokes finish their part
-        driver.finishPendingWork();
+        driver.colourAll();
         QCOMPARE(wrongColours(document, driver), QList<int>());
         for (int step = 0; step < steps; ++step) {
-            if (withView && random.bounded(4) == 0) {
-                const int from = random.bounded(document.characterCount());
-                driver.setVisibleRange(from, from + random.bounded(300));
-            }
             const QString edit = randomEdit(random, document);
-            if (interleaved) {
-                // Slices of a single block each, then maybe the next edit before the work is done.
-                driver.setBudgetNs(0);
-                for (int slices = random.bounded(4); slices > 0; --slices)
-                    driver.runPendingSlice();
-                driver.setBudgetNs(std::numeric_limits<qint64>::max() / 4);
-                if (random.bounded(2))
-                    continue;
+            const int first = random.bounded(document.blockCount());
+            const int last = first + random.bounded(40);
+            for (QTextBlock block = document.findBlockByNumber(first); block.isValid() && block.blockNumber() <= last;
+                 block = block.next())
+                driver.colourBlock(block);
+            QList<int> wrong = wrongColours(document, driver, first, last);
+            if (wrong.isEmpty() && random.bounded(10) == 0) {
+                driver.colourAll();
+                wrong = wrongColours(document, driver);
             }
-            driver.finishPendingWork();
-            const QList<int> wrong = wrongColours(document, driver);
             QVERIFY2(wrong.isEmpty(),
                      qPrintable(u"step %1, %2: block %3 %4"_s.arg(step)
                                     .arg(edit)
@@ -130,48 +114,45 @@ private Q_SLOTS:
         }
     }
 
-    // A quote typed near the top changes every line below: the visible lines are right at once,
-    // the rest follows in idle slices.
-    void quoteColoursVisibleLinesFirst()
+    // A quote typed near the top changes every line below; only the lines asked for are
+    // coloured again, each once, and the others when they are asked for.
+    void quoteRecoloursWhatIsAskedFor()
     {
         QTextDocument document;
         document.setPlainText(numberedLines(3000, u"insert into t values (%1, 'it''s', 2.5); -- note\n"_s));
         SQLHighlightDriver driver;
-        driver.setBudgetNs(std::numeric_limits<qint64>::max() / 4);
         driver.setDocument(&document);
-        driver.setVisibleRange(0, document.findBlockByNumber(40).position());
-        driver.finishPendingWork();
+        driver.colourAll();
 
         QTextCursor cursor(document.findBlockByNumber(2));
         cursor.insertText(u"'"_s);
-        QVERIFY(driver.hasPendingWork());
+        for (int number = 0; number <= 40; ++number)
+            QCOMPARE(driver.colourBlock(document.findBlockByNumber(number)), number >= 2);
+        QVERIFY(!driver.colourBlock(document.findBlockByNumber(20)));
         QCOMPARE(wrongColours(document, driver).constFirst(), 41);
-        QTRY_VERIFY(!driver.hasPendingWork()); // the idle slices, from the event loop
-        QCOMPARE(wrongColours(document, driver), QList<int>());
 
-        // Scrolling to lines not yet coloured colours them at once.
-        cursor.insertText(u"'"_s);
-        driver.setVisibleRange(document.findBlockByNumber(1990).position(),
-                               document.findBlockByNumber(2010).position());
-        const QList<int> wrong = wrongColours(document, driver);
-        QVERIFY(!wrong.contains(1990) && !wrong.contains(2010) && wrong.contains(1989) &&
-                wrong.contains(2011));
-        driver.finishPendingWork();
+        // Taking the quote back leaves the lines' old colours right again: far below, a line
+        // coloured before the quote and not asked for since needs nothing.
+        cursor.deletePreviousChar();
+        QVERIFY(!driver.colourBlock(document.findBlockByNumber(2000)));
+        QVERIFY(driver.colourBlock(document.findBlockByNumber(30)));
+        driver.colourAll();
         QCOMPARE(wrongColours(document, driver), QList<int>());
     }
 
-    // A block comment opened near the top runs to a "*/" far below: the lines in view take the
-    // comment colour at once, and lose it again when the close goes.
+    // A block comment opened near the top runs to a "*/" far below: the lines asked for take
+    // the comment colour, and lose it again when the close goes, the far ones included.
     void blockCommentOverLines()
     {
         QTextDocument document;
         document.setPlainText(numberedLines(3000, u"select %1;\n"_s).replace(u"select 2500;"_s, u"*/"_s));
         SQLHighlightDriver driver;
         driver.setDocument(&document);
-        driver.setVisibleRange(0, document.findBlockByNumber(40).position());
-        driver.finishPendingWork();
+        driver.colourAll();
         const auto firstFormat = [&](int blockNumber) {
-            return document.findBlockByNumber(blockNumber).layout()->formats().constFirst().format;
+            const QTextBlock block = document.findBlockByNumber(blockNumber);
+            driver.colourBlock(block);
+            return block.layout()->formats().constFirst().format;
         };
         QCOMPARE(firstFormat(30).fontWeight(), highlightKeywordWeight);
 
@@ -179,41 +160,50 @@ private Q_SLOTS:
         cursor.insertText(u"/*"_s);
         QCOMPARE(firstFormat(30).foreground().color(), driver.commentColor());
         QCOMPARE(firstFormat(30).fontWeight(), highlightPlainWeight);
-        driver.finishPendingWork();
-        QCOMPARE(wrongColours(document, driver), QList<int>());
         QCOMPARE(firstFormat(2499).foreground().color(), driver.commentColor());
+        QCOMPARE(firstFormat(2501).fontWeight(), highlightKeywordWeight);
 
         QTextCursor close(document.findBlockByNumber(2500));
         close.select(QTextCursor::BlockUnderCursor);
         close.removeSelectedText();
-        driver.finishPendingWork();
+        // A "/*" that nothing closes opens no comment.
+        QCOMPARE(firstFormat(2600).fontWeight(), highlightKeywordWeight);
+        driver.colourAll();
         QCOMPARE(wrongColours(document, driver), QList<int>());
-        QCOMPARE(firstFormat(30).fontWeight(), highlightKeywordWeight);
+        QCOMPARE(firstFormat(1).fontWeight(), highlightKeywordWeight);
     }
 
-    // Keystrokes that leave the carried state alone (a "--", a word) leave no work behind.
-    void lineLocalEditsLeaveNoWork_data()
+    // Keystrokes that leave the carried state alone (a "--", a word) make only their own line
+    // need colours again.
+    void lineLocalEditsRecolourTheirLine_data()
     {
         QTest::addColumn<QStringList>("keystrokes");
-        QTest::newRow("comment mark") << QStringList{u"-"_s, u"-"_s};
-        QTest::newRow("keyword") << QStringList{u"s"_s, u"e"_s, u"l"_s, u"e"_s, u"c"_s, u"t"_s, u" "_s};
-        QTest::newRow("pasted quote pair") << QStringList{u"''"_s};
-        QTest::newRow("line break") << QStringList{u"\n"_s};
+        QTest::addColumn<QList<int>>("recoloured");
+        QTest::newRow("comment mark") << QStringList{u"-"_s, u"-"_s} << QList<int>{100};
+        QTest::newRow("keyword") << QStringList{u"s"_s, u"e"_s, u"l"_s, u"e"_s, u"c"_s, u"t"_s, u" "_s}
+                                 << QList<int>{100};
+        QTest::newRow("pasted quote pair") << QStringList{u"''"_s} << QList<int>{100};
+        QTest::newRow("line break") << QStringList{u"\n"_s} << QList<int>{100, 101};
     }
-    void lineLocalEditsLeaveNoWork()
+    void lineLocalEditsRecolourTheirLine()
     {
         QFETCH(QStringList, keystrokes);
+        QFETCH(QList<int>, recoloured);
         QTextDocument document;
         document.setPlainText(numberedLines(500, u"select '%1' from t;\n"_s));
         SQLHighlightDriver driver;
         driver.setDocument(&document);
-        driver.finishPendingWork();
+        driver.colourAll();
         QTextCursor cursor(document.findBlockByNumber(100));
         cursor.setPosition(cursor.position() + 7);
-        for (const QString &keystroke : keystrokes) {
+        for (const QString &keystroke : keystrokes)
             cursor.insertText(keystroke);
-            QVERIFY(!driver.hasPendingWork());
+        QList<int> asked;
+        for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
+            if (driver.colourBlock(block))
+                asked.append(block.blockNumber());
         }
+        QCOMPARE(asked, recoloured);
         QCOMPARE(wrongColours(document, driver), QList<int>());
     }
 
@@ -223,32 +213,51 @@ private Q_SLOTS:
         document.setPlainText(numberedLines(200, u"select %1 -- c\n"_s));
         SQLHighlightDriver driver;
         driver.setDocument(&document);
-        driver.finishPendingWork();
+        driver.colourAll();
         QSignalSpy sizeSpy(&driver, &SQLHighlightDriver::fontSizeChanged);
+        QSignalSpy coloursSpy(&driver, &SQLHighlightDriver::coloursChanged);
         driver.setFontSize(20);
         driver.setFontSize(20);
         QCOMPARE(sizeSpy.count(), 1);
         driver.setCommentColor(Qt::red);
         driver.setPlainColor(Qt::blue);
-        driver.finishPendingWork();
+        QCOMPARE(coloursSpy.count(), 3);
+        driver.colourAll();
         QCOMPARE(wrongColours(document, driver), QList<int>());
         const QList<QTextLayout::FormatRange> ranges = document.lastBlock().previous().layout()->formats();
         QCOMPARE(ranges.last().format.foreground().color(), QColor(Qt::red));
         QCOMPARE(ranges.last().format.fontPointSize(), 20.0);
     }
 
-    void documentGoneWhileWorkIsPending()
+    // Colours put on a block outside an edit must not stretch the next edit's reported change
+    // back to that block.
+    void colouringLeavesEditsTheirOwnRange()
+    {
+        QTextDocument document;
+        document.setPlainText(numberedLines(100, u"select %1;\n"_s));
+        SQLHighlightDriver driver;
+        driver.setDocument(&document);
+        driver.colourBlock(document.findBlockByNumber(3));
+        QSignalSpy changes(&document, &QTextDocument::contentsChange);
+        QTextCursor cursor(document.findBlockByNumber(90));
+        cursor.insertText(u"x"_s);
+        QCOMPARE(changes.count(), 1);
+        QCOMPARE(changes.constFirst().at(0).toInt(), document.findBlockByNumber(90).position());
+    }
+
+    // Blocks of other documents, and a document deleted under the driver, leave it unharmed.
+    void foreignAndDeletedDocuments()
     {
         auto *document = new QTextDocument;
         document->setPlainText(numberedLines(2000, u"'%1\n"_s));
         SQLHighlightDriver driver;
         driver.setDocument(document);
-        QVERIFY(driver.hasPendingWork());
+        QTextDocument other(u"select 1"_s);
+        QVERIFY(!driver.colourBlock(other.begin()));
         delete document;
         QCOMPARE(driver.document(), nullptr);
-        QVERIFY(!driver.hasPendingWork());
-        driver.runPendingSlice();
-        driver.applyHighlighting();
+        QVERIFY(!driver.colourBlock(other.begin()));
+        driver.colourAll();
     }
 };
 

@@ -37,6 +37,12 @@ Item {
             editor.controller.commentColor = Qt.binding(() => Theme.secondaryLabel)
             editor.controller.textDocument = area.document
         }
+        // A long text reaches the store when typing pauses; whatever the user turns to next
+        // (the assistant, a version) must see it as typed.
+        onActiveFocusChanged: {
+            if (!activeFocus)
+                editor.controller.syncNow()
+        }
     }
 
     ScrollBar {

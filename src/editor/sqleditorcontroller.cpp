@@ -175,7 +175,9 @@ void SQLEditorController::onContentsChange(int, int removed, int added)
     m_dirty = true;
     setHasUnsavedChanges(true);
     scheduleAutoSave(false);
-    if (!m_syncTimer.isActive())
+    if (m_document->characterCount() > largeTextCharacters)
+        m_syncTimer.stop(); // the automatic save takes the text
+    else if (!m_syncTimer.isActive())
         m_syncTimer.start();
 }
 
@@ -185,8 +187,10 @@ QString SQLEditorController::documentText() const
         return m_content;
     // toPlainText() would turn no-break spaces into blanks; keep the text as typed.
     QString text = m_document->toRawText();
-    text.replace(QChar::ParagraphSeparator, u'\n');
-    text.replace(QChar::LineSeparator, u'\n');
+    for (QChar &c : text) {
+        if (c == QChar::ParagraphSeparator || c == QChar::LineSeparator)
+            c = u'\n';
+    }
     return text;
 }
 

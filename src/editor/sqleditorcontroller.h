@@ -42,6 +42,9 @@ public:
     static constexpr int autoSaveDelayMs = 800;
     // At most one trip of the text into the store per frame.
     static constexpr int syncDelayMs = 16;
+    // Beyond this many characters a trip costs a frame or more (a copy of the text and its
+    // count), so the text goes to the store when typing pauses, with the automatic save.
+    static constexpr int largeTextCharacters = 200'000;
 
     explicit SQLEditorController(QObject *parent = nullptr);
     SQLEditorController(DataStore *store, Preferences *preferences, QObject *parent = nullptr);

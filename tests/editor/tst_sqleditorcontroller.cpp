@@ -84,6 +84,24 @@ private Q_SLOTS:
         QVERIFY(documentsFile().contains("注释"));
     }
 
+    // A long text is not copied into the store on every key: it goes when typing pauses, or
+    // at once when asked (the editor losing focus asks).
+    void longTextReachesStoreWhenTypingPauses()
+    {
+        const QUuid id = m_store->selectedDocumentId();
+        const QString longText = u"select 1;\n"_s.repeated(SQLEditorController::largeTextCharacters / 10 + 1);
+        QVERIFY(m_controller->replaceText(longText));
+        QCOMPARE(m_store->document(id)->content, longText);
+        type(u"-- a"_s);
+        QTest::qWait(100);
+        QCOMPARE(m_store->document(id)->content, longText);
+        m_controller->syncNow();
+        QCOMPARE(m_store->document(id)->content, longText + u"-- a"_s);
+        QCOMPARE(m_controller->characterCount(), longText.size() + 4);
+        type(u"b"_s);
+        QTRY_COMPARE_WITH_TIMEOUT(m_store->document(id)->content, longText + u"-- ab"_s, 3000);
+    }
+
     // The files are written 0.8 s after the last key: not at once, not seconds later.
     void autoSaveFollowsTheLastKeyByItsDelay()
     {

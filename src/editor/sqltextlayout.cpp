@@ -32,7 +32,9 @@ void SQLTextLayout::setFont(const QFont &font)
     if (font == m_font && m_lineHeight > 1)
         return;
     m_font = font;
-    m_lineHeight = std::max<qreal>(1, std::ceil(QFontMetricsF(font).lineSpacing()));
+    const QFontMetricsF metrics(font);
+    m_lineHeight = std::max<qreal>(1, std::ceil(metrics.lineSpacing()));
+    m_ascent = metrics.ascent();
     // The document's default font is what every block's characters resolve to; setting it tells
     // the layout that the whole text changed, which drops the laid-out lines.
     document()->setDefaultFont(font);
@@ -92,7 +94,9 @@ void SQLTextLayout::layOut(const QTextBlock &block)
     layout->beginLayout();
     for (QTextLine line = layout->createLine(); line.isValid(); line = layout->createLine()) {
         line.setLineWidth(m_textWidth);
-        line.setPosition(QPointF(0, count * m_lineHeight));
+        // Every baseline sits where the font's would: a line with taller glyphs from a fallback
+        // font (Chinese, Japanese) must not push its text below its neighbours'.
+        line.setPosition(QPointF(0, count * m_lineHeight + m_ascent - line.ascent()));
         ++count;
     }
     layout->endLayout();

@@ -67,5 +67,6 @@ private:
     QFont m_font;
     qreal m_textWidth = 0;
     qreal m_lineHeight = 1;
+    qreal m_ascent = 0;
     int m_blockCount = 1;
 };

@@ -204,6 +204,21 @@ int main(int argc, char **argv)
         std::sort(frameTimes.begin(), frameTimes.end());
         std::printf("%s: fling, wheel step to next frame median %.1f ms, worst %.1f ms\n", name,
                     frameTimes.at(frameTimes.size() / 2), frameTimes.constLast());
+        // The find bar: a pattern typed a key at a time; each key searches the whole text (in
+        // slices past the first few megabytes).
+        QObject *findBar = window->findChild<QObject *>(u"findBar"_s);
+        QMetaObject::invokeMethod(findBar, "open", Q_ARG(bool, false));
+        const QString pattern = u"values ("_s;
+        const Figures finding = keystrokes(window, int(pattern.size()), [window, &pattern](int i) {
+            QTest::sendKeyEvent(QTest::Press, window, Qt::Key_unknown, pattern.at(i), Qt::NoModifier);
+            QTest::sendKeyEvent(QTest::Release, window, Qt::Key_unknown, pattern.at(i), Qt::NoModifier);
+        });
+        const double searchPause = longestPauseUntilQuiet(300, 20000);
+        std::printf("%s: a key in the find field to next frame median %.1f ms, worst %.1f ms; %d matches, "
+                    "longest pause while searching %.1f ms\n",
+                    name, finding.median, finding.worst,
+                    area->property("finder").value<QObject *>()->property("matchCount").toInt(), searchPause);
+        QMetaObject::invokeMethod(findBar, "close");
         std::printf("%s: memory held after loading, typing and scrolling: %.0f MB more than before\n", name,
                     residentMegabytes() - residentBefore);
     }

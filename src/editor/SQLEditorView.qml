@@ -13,6 +13,7 @@ Rectangle {
     readonly property alias controller: controller
     readonly property alias saveVersionSheet: saveVersionSheet
     readonly property alias textEditor: textEditor
+    readonly property alias findBar: findBar
 
     signal showVersionHistoryRequested(bool show)
     signal showAIAssistantRequested(bool show)
@@ -48,6 +49,27 @@ Rectangle {
         sequence: "Ctrl+S"
         enabled: controller.hasDocument && !controller.isBlank
         onActivated: editor.openSaveVersionSheet()
+    }
+
+    Shortcut {
+        sequence: StandardKey.Find
+        enabled: controller.hasDocument
+        onActivated: findBar.open(false)
+    }
+    Shortcut {
+        sequences: ["Ctrl+H", "Ctrl+R"]
+        enabled: controller.hasDocument
+        onActivated: findBar.open(true)
+    }
+    Shortcut {
+        sequence: "F3"
+        enabled: controller.hasDocument
+        onActivated: findBar.next()
+    }
+    Shortcut {
+        sequence: "Shift+F3"
+        enabled: controller.hasDocument
+        onActivated: findBar.previous()
     }
 
     Shortcut {
@@ -229,6 +251,14 @@ Rectangle {
             Layout.fillWidth: true
             Layout.preferredHeight: 1
             color: Theme.separator
+        }
+
+        FindBar {
+            id: findBar
+
+            objectName: "findBar"
+            Layout.fillWidth: true
+            textArea: textEditor.textArea
         }
 
         SQLTextEditor {

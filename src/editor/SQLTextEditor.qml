@@ -29,6 +29,7 @@ Item {
         textColor: Theme.label
         selectionColor: Theme.withOpacity(Theme.cyan, 0.35)
         selectedTextColor: Theme.label
+        findHighlightColor: Theme.withOpacity(Theme.orange, Theme.dark ? 0.4 : 0.3)
         horizontalPadding: 12
         verticalPadding: 16
         accessibleName: Tr.t("SQL", "SQL", "SQL")

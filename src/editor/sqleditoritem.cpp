@@ -114,6 +114,9 @@ SQLEditorItem::SQLEditorItem(QQuickItem *parent)
     connect(m_layout, &QAbstractTextDocumentLayout::documentSizeChanged, this,
             &SQLEditorItem::documentSizeChanged);
     connect(m_layout, &QAbstractTextDocumentLayout::update, this, [this] { update(); });
+    m_finder = new SQLTextFinder(this);
+    m_finder->setDocument(m_document);
+    connect(m_finder, &SQLTextFinder::matchesChanged, this, [this] { update(); });
 
     m_blinkTimer.setInterval(std::max(100, QGuiApplication::styleHints()->cursorFlashTime() / 2));
     connect(&m_blinkTimer, &QTimer::timeout, this, [this] {
@@ -151,6 +154,15 @@ void SQLEditorItem::setTextColor(const QColor &color)
     if (color == m_textColor)
         return;
     m_textColor = color;
+    Q_EMIT coloursChanged();
+    update();
+}
+
+void SQLEditorItem::setFindHighlightColor(const QColor &color)
+{
+    if (color == m_findHighlightColor)
+        return;
+    m_findHighlightColor = color;
     Q_EMIT coloursChanged();
     update();
 }
@@ -381,6 +393,13 @@ void SQLEditorItem::paint(QPainter *painter)
         QList<QTextLayout::FormatRange> selections;
         const int blockStart = block.position();
         const int blockEnd = blockStart + block.length();
+        for (const SQLTextFinder::Match &match : m_finder->matchesIn(blockStart, blockEnd)) {
+            QTextLayout::FormatRange range;
+            range.start = std::max(0, match.start - blockStart);
+            range.length = std::min(blockEnd, match.end()) - blockStart - range.start;
+            range.format.setBackground(m_findHighlightColor);
+            selections.append(range);
+        }
         if (m_cursor.hasSelection() && m_cursor.selectionStart() < blockEnd &&
             m_cursor.selectionEnd() >= blockStart) {
             QTextLayout::FormatRange range;

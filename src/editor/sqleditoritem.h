@@ -1,5 +1,7 @@
 #pragma once
 
+#include "sqltextfinder.h"
+
 #include <QColor>
 #include <QElapsedTimer>
 #include <QFont>
@@ -28,6 +30,10 @@ class SQLEditorItem : public QQuickPaintedItem
     Q_PROPERTY(QColor textColor READ textColor WRITE setTextColor NOTIFY coloursChanged)
     Q_PROPERTY(QColor selectionColor READ selectionColor WRITE setSelectionColor NOTIFY coloursChanged)
     Q_PROPERTY(QColor selectedTextColor READ selectedTextColor WRITE setSelectedTextColor NOTIFY coloursChanged)
+    // Find and replace over the text; its matches are shown behind the text in
+    // `findHighlightColor` while it is active.
+    Q_PROPERTY(SQLTextFinder *finder READ finder CONSTANT)
+    Q_PROPERTY(QColor findHighlightColor READ findHighlightColor WRITE setFindHighlightColor NOTIFY coloursChanged)
     Q_PROPERTY(qreal horizontalPadding READ horizontalPadding WRITE setHorizontalPadding NOTIFY paddingChanged)
     Q_PROPERTY(qreal verticalPadding READ verticalPadding WRITE setVerticalPadding NOTIFY paddingChanged)
     Q_PROPERTY(int cursorPosition READ cursorPosition WRITE setCursorPosition NOTIFY cursorPositionChanged)
@@ -59,6 +65,9 @@ public:
     void setTextColor(const QColor &color);
     [[nodiscard]] QColor selectionColor() const { return m_selectionColor; }
     void setSelectionColor(const QColor &color);
+    [[nodiscard]] SQLTextFinder *finder() const { return m_finder; }
+    [[nodiscard]] QColor findHighlightColor() const { return m_findHighlightColor; }
+    void setFindHighlightColor(const QColor &color);
     [[nodiscard]] QColor selectedTextColor() const { return m_selectedTextColor; }
     void setSelectedTextColor(const QColor &color);
     [[nodiscard]] qreal horizontalPadding() const { return m_horizontalPadding; }
@@ -160,6 +169,8 @@ private:
     QFont m_font;
     QColor m_textColor = Qt::black;
     QColor m_selectionColor = QColor(0, 120, 215, 90);
+    SQLTextFinder *m_finder = nullptr;
+    QColor m_findHighlightColor = QColor(255, 200, 0, 110);
     QColor m_selectedTextColor;
     qreal m_horizontalPadding = 0;
     qreal m_verticalPadding = 0;

@@ -309,6 +309,31 @@ private Q_SLOTS:
         QVERIFY(middle.position() > m_item->document()->characterCount() / 3);
     }
 
+    // The finder's matches are painted behind the text while it is active, and only then.
+    void findMatchesAreHighlighted()
+    {
+        setText(u"select id from t;\nselect name from u;"_s);
+        m_item->setFindHighlightColor(Qt::red);
+        const auto paint = [this] {
+            QImage frame(m_item->size().toSize(), QImage::Format_ARGB32_Premultiplied);
+            QPainter painter(&frame);
+            m_item->paint(&painter);
+            return frame;
+        };
+        const auto redAt = [this](const QImage &frame, int position) {
+            const QRectF caret = m_item->positionRectangle(position);
+            return frame.pixelColor(QPointF(caret.left() + 2, caret.top() + 2).toPoint()) == QColor(Qt::red);
+        };
+        SQLTextFinder *finder = m_item->finder();
+        finder->setPattern(u"from"_s);
+        QVERIFY(!redAt(paint(), 10));
+        finder->setActive(true);
+        const QImage found = paint();
+        QVERIFY(redAt(found, 10));
+        QVERIFY(redAt(found, 30));
+        QVERIFY(!redAt(found, 2));
+    }
+
     // Screen readers read the text by lines and follow the caret and the selection.
     void accessibleText()
     {

@@ -2,7 +2,7 @@
 // states. Run through tools/screenshots.sh, which sets up a display and a scratch home.
 //
 // Usage: varnholt-screenshots <output-folder> <en|zh-Hans|ja> <light|dark> [scene...]
-// Scenes: shell, assistant, store, settings, versions, empty-store (all when none is named; empty-store always runs last).
+// Scenes: shell, editor, assistant, store, settings, versions, empty-store (all when none is named; empty-store always runs last).
 #include "appengine.h"
 #include "clock.h"
 #include "datastore.h"
@@ -117,6 +117,7 @@ int main(int argc, char *argv[])
 
     const QList<std::pair<QString, std::function<void(ScreenshotSession &)>>> scenes{
         {u"shell"_s, shootShellScenes},
+        {u"editor"_s, shootEditorScenes},
         {u"assistant"_s, shootAssistantScenes},
         {u"store"_s, shootStoreScenes},
         {u"settings"_s, shootSettingsScenes},

@@ -16,6 +16,8 @@ public:
 
     [[nodiscard]] QQuickWindow *window() const { return m_window; }
     [[nodiscard]] DataStore *store() const { return m_store; }
+    // "en", "zh-Hans" or "ja".
+    [[nodiscard]] QString language() const { return m_language; }
 
     // Runs the event loop for `ms` milliseconds.
     static void wait(int ms);
@@ -36,6 +38,7 @@ private:
 // The scenes, one function per subsystem, run in this order; each leaves the window as it found
 // it (no sheet open, no panel open) for the next.
 void shootShellScenes(ScreenshotSession &session);
+void shootEditorScenes(ScreenshotSession &session);
 void shootAssistantScenes(ScreenshotSession &session);
 void shootStoreScenes(ScreenshotSession &session);
 void shootSettingsScenes(ScreenshotSession &session);

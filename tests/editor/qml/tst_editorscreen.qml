@@ -124,4 +124,55 @@ TestCase {
         mouseClick(findNamed(editor, "assistantToggle"))
         verify(testCase.assistantRequested)
     }
+
+    // The find bar by keys: Ctrl+F opens it on the caret, typing counts and selects, Return and
+    // F3 go on, Shift+Return goes back, Ctrl+H replaces all as one undo, Escape gives the text
+    // its focus back.
+    function test_findAndReplaceByKeys() {
+        const editor = createTemporaryObject(editorComponent, testCase)
+        const area = editor.textEditor.textArea
+        const bar = editor.findBar
+        area.forceActiveFocus()
+        area.selectAll()
+        typeText("select a from t; select b from u; SELECT c")
+        area.cursorPosition = 0
+        keyClick(Qt.Key_F, Qt.ControlModifier)
+        verify(bar.visible)
+        const field = findNamed(bar, "findField")
+        tryCompare(field, "activeFocus", true)
+        typeText("select")
+        const status = findNamed(bar, "findStatus")
+        compare(status.text, "1 of 3")
+        compare(area.selectedText, "select")
+        compare(area.selectionStart, 0)
+        keyClick(Qt.Key_Return)
+        compare(area.selectionStart, 17)
+        keyClick(Qt.Key_F3)
+        compare(status.text, "3 of 3")
+        keyClick(Qt.Key_F3)
+        compare(status.text, "1 of 3") // round again
+        keyClick(Qt.Key_Return, Qt.ShiftModifier)
+        compare(status.text, "3 of 3")
+
+        mouseClick(findNamed(bar, "matchCase"))
+        compare(status.text, "1 of 2")
+        field.forceActiveFocus()
+        typeText("x")
+        compare(status.text, "No results")
+
+        keyClick(Qt.Key_H, Qt.ControlModifier)
+        const replace = findNamed(bar, "replaceField")
+        verify(replace.visible)
+        field.selectAll()
+        typeText("from")
+        replace.forceActiveFocus()
+        typeText("FROM")
+        mouseClick(findNamed(bar, "replaceAllButton"))
+        compare(area.text, "select a FROM t; select b FROM u; SELECT c")
+        keyClick(Qt.Key_Escape)
+        verify(!bar.visible)
+        verify(area.activeFocus)
+        keyClick(Qt.Key_Z, Qt.ControlModifier)
+        compare(area.text, "select a from t; select b from u; SELECT c")
+    }
 }

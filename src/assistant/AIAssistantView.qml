@@ -493,6 +493,10 @@ Rectangle {
                                 event.accepted = true
                             }
                         }
+
+                        EditContextMenu {
+                            target: input
+                        }
                     }
                 }
 

@@ -78,6 +78,10 @@ Rectangle {
                         event.accepted = true
                     }
                 }
+
+                EditContextMenu {
+                    target: errorField
+                }
             }
         }
 

@@ -73,5 +73,9 @@ Item {
             if (!activeFocus)
                 control.commit()
         }
+
+        EditContextMenu {
+            target: field
+        }
     }
 }

@@ -23,6 +23,10 @@ Rectangle {
         if (controller.hasDocument && !controller.isBlank)
             controller.formatDocument()
     }
+    function openGoToLine() {
+        if (controller.hasDocument)
+            goToLine.open()
+    }
     function openSaveVersionSheet() {
         if (!controller.hasDocument || controller.isBlank)
             return
@@ -51,13 +55,9 @@ Rectangle {
         onActivated: editor.openSaveVersionSheet()
     }
 
+    // Find (Ctrl+F), Find and Replace (Ctrl+H) and Go to Line (Ctrl+G) are the Edit menu's.
     Shortcut {
-        sequence: StandardKey.Find
-        enabled: controller.hasDocument
-        onActivated: findBar.open(false)
-    }
-    Shortcut {
-        sequences: ["Ctrl+H", "Ctrl+R"]
+        sequence: "Ctrl+R"
         enabled: controller.hasDocument
         onActivated: findBar.open(true)
     }
@@ -302,6 +302,15 @@ Rectangle {
             font.pixelSize: Theme.subheadlineSize
             color: Theme.tertiaryLabel
         }
+    }
+
+    GoToLinePopup {
+        id: goToLine
+
+        objectName: "goToLine"
+        x: (editor.width - width) / 2
+        y: 64
+        textArea: textEditor.textArea
     }
 
     SaveVersionSheet {

@@ -44,6 +44,11 @@ Item {
             if (!activeFocus)
                 editor.controller.syncNow()
         }
+
+        EditContextMenu {
+            objectName: "editorContextMenu"
+            target: area
+        }
     }
 
     ScrollBar {

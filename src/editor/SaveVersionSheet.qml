@@ -100,6 +100,10 @@ SheetFrame {
                         border.color: noteField.activeFocus ? Theme.withOpacity(Theme.green, 0.7)
                                                             : Theme.withOpacity(Theme.separator, 0.5)
                     }
+
+                    EditContextMenu {
+                        target: noteField
+                    }
                 }
             }
             Label {

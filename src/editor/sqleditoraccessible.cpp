@@ -169,7 +169,7 @@ int SQLEditorAccessible::characterCount() const
 
 QRect SQLEditorAccessible::characterRect(int offset) const
 {
-    const QRectF local = item()->positionRectangle(offset);
+    const QRectF local = item()->positionToRectangle(offset);
     const QRectF scene = item()->mapRectToScene(local);
     if (!item()->window())
         return scene.toAlignedRect();

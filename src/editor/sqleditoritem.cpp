@@ -8,6 +8,7 @@
 #include <QCursor>
 #include <QGuiApplication>
 #include <QInputMethod>
+#include <QMimeData>
 #include <QPainter>
 #include <QQuickWindow>
 #include <QStyleHints>
@@ -111,6 +112,7 @@ SQLEditorItem::SQLEditorItem(QQuickItem *parent)
     connect(m_document, &QTextDocument::contentsChanged, this, &SQLEditorItem::textChanged);
     connect(m_document, &QTextDocument::undoAvailable, this, &SQLEditorItem::canUndoChanged);
     connect(m_document, &QTextDocument::redoAvailable, this, &SQLEditorItem::canRedoChanged);
+    connect(QGuiApplication::clipboard(), &QClipboard::dataChanged, this, &SQLEditorItem::canPasteChanged);
     connect(m_layout, &QAbstractTextDocumentLayout::documentSizeChanged, this,
             &SQLEditorItem::documentSizeChanged);
     connect(m_layout, &QAbstractTextDocumentLayout::update, this, [this] { update(); });
@@ -245,6 +247,12 @@ void SQLEditorItem::setAccessibleName(const QString &name)
         return;
     m_accessibleName = name;
     Q_EMIT accessibleNameChanged();
+}
+
+bool SQLEditorItem::canPaste() const
+{
+    const QMimeData *data = QGuiApplication::clipboard()->mimeData();
+    return data && data->hasText();
 }
 
 bool SQLEditorItem::canRedo() const
@@ -635,6 +643,15 @@ void SQLEditorItem::ensureCursorVisible()
         scrollToLine(top);
     else if (bottom > contentY() + height())
         scrollToLine(bottom - height());
+}
+
+void SQLEditorItem::goToLine(int line)
+{
+    const QTextBlock block = m_document->findBlockByNumber(std::clamp(line, 1, m_document->blockCount()) - 1);
+    QTextCursor cursor(m_document);
+    cursor.setPosition(block.position());
+    setCursor(cursor);
+    ensureCursorVisible();
 }
 
 void SQLEditorItem::select(int start, int end)

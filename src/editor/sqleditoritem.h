@@ -46,6 +46,7 @@ class SQLEditorItem : public QQuickPaintedItem
     Q_PROPERTY(qreal lineHeight READ lineHeight NOTIFY fontChanged)
     Q_PROPERTY(bool canUndo READ canUndo NOTIFY canUndoChanged)
     Q_PROPERTY(bool canRedo READ canRedo NOTIFY canRedoChanged)
+    Q_PROPERTY(bool canPaste READ canPaste NOTIFY canPasteChanged)
     // The name screen readers give the field.
     Q_PROPERTY(QString accessibleName READ accessibleName WRITE setAccessibleName NOTIFY accessibleNameChanged)
 
@@ -89,13 +90,15 @@ public:
     [[nodiscard]] qreal lineHeight() const;
     [[nodiscard]] bool canUndo() const;
     [[nodiscard]] bool canRedo() const;
+    // The clipboard holds text.
+    [[nodiscard]] bool canPaste() const;
     [[nodiscard]] QString accessibleName() const { return m_accessibleName; }
     void setAccessibleName(const QString &name);
 
     // Where the caret is drawn, in the item's coordinates.
     [[nodiscard]] Q_INVOKABLE QRectF cursorRectangle() const;
     // Where the character at `position` is drawn, in the item's coordinates.
-    [[nodiscard]] Q_INVOKABLE QRectF positionRectangle(int position) const { return lineRectangle(position, 0); }
+    [[nodiscard]] Q_INVOKABLE QRectF positionToRectangle(int position) const { return lineRectangle(position, 0); }
     // The text position at a point of the item.
     [[nodiscard]] Q_INVOKABLE int positionAt(qreal x, qreal y) const;
 
@@ -108,6 +111,9 @@ public:
     Q_INVOKABLE void redo();
     // Scrolls the least that shows the caret's line.
     Q_INVOKABLE void ensureCursorVisible();
+    // Puts the caret at the start of line `line` (from 1, clamped to the text's lines) and
+    // scrolls to it.
+    Q_INVOKABLE void goToLine(int line);
 
     void paint(QPainter *painter) override;
     [[nodiscard]] QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
@@ -124,6 +130,7 @@ Q_SIGNALS:
     void contentHeightChanged();
     void canUndoChanged();
     void canRedoChanged();
+    void canPasteChanged();
     void accessibleNameChanged();
 
 protected:

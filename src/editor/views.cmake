@@ -2,6 +2,7 @@
 list(APPEND VARNHOLT_VIEW_QML
     ${CMAKE_CURRENT_LIST_DIR}/EditableDocumentName.qml
     ${CMAKE_CURRENT_LIST_DIR}/FindBar.qml
+    ${CMAKE_CURRENT_LIST_DIR}/GoToLinePopup.qml
     ${CMAKE_CURRENT_LIST_DIR}/PanelToggleButton.qml
     ${CMAKE_CURRENT_LIST_DIR}/PanelToggleGroup.qml
     ${CMAKE_CURRENT_LIST_DIR}/SaveVersionSheet.qml

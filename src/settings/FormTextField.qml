@@ -24,4 +24,8 @@ TextField {
         border.width: field.activeFocus ? 2 : 1
         border.color: field.activeFocus ? Theme.withOpacity(Theme.cyan, 0.7) : Theme.separator
     }
+
+    EditContextMenu {
+        target: field
+    }
 }

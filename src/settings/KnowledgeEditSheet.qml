@@ -173,6 +173,10 @@ SheetFrame {
                         border.width: contentField.activeFocus ? 2 : 1
                         border.color: contentField.activeFocus ? Theme.withOpacity(Theme.purple, 0.7) : Theme.separator
                     }
+
+                    EditContextMenu {
+                        target: contentField
+                    }
                 }
             }
             Label {

@@ -36,6 +36,7 @@ Item {
     readonly property real dividerMaxWidth: Math.min(rightPanelMaxWidth, width - sidebarWidth - dividerWidth
                                                      - editorMinWidth - handleWidth)
     readonly property alias controller: controller
+    readonly property alias editorView: editorView
     readonly property alias divider: divider
 
     // The user asked to keep what the store cannot write, somewhere else.

@@ -19,10 +19,28 @@ ApplicationWindow {
     visible: true
     title: "Varnholt"
     color: Theme.windowBackground
+    // The controls' own parts (menus, the menu bar, scroll bars, tool tips) in the system's
+    // colours, light or dark, as the rest of the window.
+    palette.window: Theme.palette.window
+    palette.windowText: Theme.palette.windowText
+    palette.base: Theme.palette.base
+    palette.alternateBase: Theme.palette.alternateBase
+    palette.text: Theme.palette.text
+    palette.button: Theme.palette.button
+    palette.buttonText: Theme.palette.buttonText
+    palette.highlight: Theme.palette.highlight
+    palette.highlightedText: Theme.palette.highlightedText
+    palette.light: Theme.palette.light
+    palette.midlight: Theme.palette.midlight
+    palette.mid: Theme.palette.mid
+    palette.dark: Theme.palette.dark
+    palette.shadow: Theme.palette.shadow
+    palette.placeholderText: Theme.palette.placeholderText
 
     menuBar: MenuBar {
         Menu {
             title: Tr.t("&File", "文件(&F)", "ファイル(&F)")
+            delegate: MenuEntry {}
 
             Action {
                 text: Tr.t("New SQL Document", "新建 SQL 文档", "新規 SQL ドキュメント")
@@ -63,6 +81,87 @@ ApplicationWindow {
                 onTriggered: AppCommands.quit()
             }
         }
+        // Edits go to the text field that has the keyboard: the editor, or any other field.
+        Menu {
+            id: editMenu
+
+            objectName: "editMenu"
+            title: Tr.t("&Edit", "编辑(&E)", "編集(&E)")
+            delegate: MenuEntry {}
+
+            Action {
+                text: Tr.t("Undo", "撤销", "元に戻す")
+                shortcut: StandardKey.Undo
+                enabled: window.editTargetCan("canUndo")
+                onTriggered: window.editTarget.undo()
+            }
+            Action {
+                text: Tr.t("Redo", "重做", "やり直す")
+                shortcut: StandardKey.Redo
+                enabled: window.editTargetCan("canRedo")
+                onTriggered: window.editTarget.redo()
+            }
+            MenuSeparator {}
+            Action {
+                text: Tr.t("Cut", "剪切", "切り取り")
+                shortcut: StandardKey.Cut
+                enabled: window.editTargetHasSelection() && !(window.editTarget.readOnly ?? false)
+                onTriggered: window.editTarget.cut()
+            }
+            Action {
+                text: Tr.t("Copy", "拷贝", "コピー")
+                shortcut: StandardKey.Copy
+                enabled: window.editTargetHasSelection()
+                onTriggered: window.editTarget.copy()
+            }
+            Action {
+                text: Tr.t("Paste", "粘贴", "貼り付け")
+                shortcut: StandardKey.Paste
+                enabled: window.editTargetCan("canPaste") && !(window.editTarget.readOnly ?? false)
+                onTriggered: window.editTarget.paste()
+            }
+            Action {
+                text: Tr.t("Select All", "全选", "すべてを選択")
+                shortcut: StandardKey.SelectAll
+                enabled: window.editTargetCan("selectAll")
+                onTriggered: window.editTarget.selectAll()
+            }
+            MenuSeparator {}
+            Action {
+                text: Tr.t("Find…", "查找…", "検索…")
+                shortcut: StandardKey.Find
+                enabled: content.controller.editor !== null && content.controller.editor.hasDocument
+                onTriggered: content.editorView.findBar.open(false)
+            }
+            Action {
+                text: Tr.t("Find and Replace…", "查找和替换…", "検索と置換…")
+                shortcut: "Ctrl+H"
+                enabled: content.controller.editor !== null && content.controller.editor.hasDocument
+                onTriggered: content.editorView.findBar.open(true)
+            }
+            Action {
+                text: Tr.t("Go to Line…", "转到行…", "行へ移動…")
+                shortcut: "Ctrl+G"
+                enabled: content.controller.editor !== null && content.controller.editor.hasDocument
+                onTriggered: content.editorView.openGoToLine()
+            }
+        }
+    }
+
+    // What the Edit menu works on: the item that had the keyboard before the menu took it.
+    property Item editTarget: null
+    onActiveFocusItemChanged: {
+        if (!editMenu.visible)
+            editTarget = activeFocusItem
+    }
+    // Whether the edit target is a text field whose property (or function) `name` says yes:
+    // "canUndo", "canPaste", "selectAll"…
+    function editTargetCan(name: string): bool {
+        return editTarget !== null && editTarget[name] !== undefined && editTarget[name] !== false
+    }
+    function editTargetHasSelection(): bool {
+        return editTarget !== null && typeof editTarget.selectedText === "string"
+                && editTarget.selectedText.length > 0
     }
 
     Component.onCompleted: windowState.restore(window)

@@ -72,6 +72,10 @@ SheetFrame {
                     border.width: nameField.activeFocus ? 2 : 1
                     border.color: nameField.activeFocus ? Theme.withOpacity(Theme.cyan, 0.7) : Theme.withOpacity(Theme.separator, 0.5)
                 }
+
+                EditContextMenu {
+                    target: nameField
+                }
             }
         }
 

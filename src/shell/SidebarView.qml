@@ -163,6 +163,10 @@ Rectangle {
                     onTextChanged: documents.searchText = text
                     Keys.onDownPressed: list.forceActiveFocus()
                     Keys.onEscapePressed: text = ""
+
+                    EditContextMenu {
+                        target: searchField
+                    }
                 }
             }
         }

@@ -4,6 +4,7 @@
 #include "localizedtext.h"
 
 #include <QCoreApplication>
+#include <QKeySequence>
 
 namespace {
 
@@ -60,4 +61,14 @@ void AppCommands::discardUnwritten()
 bool AppCommands::isDiscardingUnwritten()
 {
     return discarding;
+}
+
+QString AppCommands::keysText(const QVariant &shortcut)
+{
+    QKeySequence keys;
+    if (shortcut.typeId() == QMetaType::QString)
+        keys = QKeySequence(shortcut.toString());
+    else if (shortcut.canConvert<int>() && shortcut.toInt() != 0)
+        keys = QKeySequence(QKeySequence::StandardKey(shortcut.toInt()));
+    return keys.toString(QKeySequence::NativeText);
 }

@@ -30,4 +30,8 @@ public:
     // The user chose to end without what could not be written.
     Q_INVOKABLE static void discardUnwritten();
     [[nodiscard]] static bool isDiscardingUnwritten();
+
+    // The keys of an action's shortcut (a StandardKey or a text such as "Ctrl+E") as menus show
+    // them on this desktop; empty for none.
+    Q_INVOKABLE [[nodiscard]] static QString keysText(const QVariant &shortcut);
 };

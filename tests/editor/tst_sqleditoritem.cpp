@@ -321,7 +321,7 @@ private Q_SLOTS:
             return frame;
         };
         const auto redAt = [this](const QImage &frame, int position) {
-            const QRectF caret = m_item->positionRectangle(position);
+            const QRectF caret = m_item->positionToRectangle(position);
             return frame.pixelColor(QPointF(caret.left() + 2, caret.top() + 2).toPoint()) == QColor(Qt::red);
         };
         SQLTextFinder *finder = m_item->finder();

@@ -2,13 +2,15 @@
 
 #include <QCoreApplication>
 #include <QInputMethodEvent>
+#include <QKeyEvent>
+#include <QQuickWindow>
 #include <QQuickItem>
 #include <QVariant>
 
 using namespace Qt::StringLiterals;
 
-// The editor field with a selection and with an input method's composition under way, and the
-// find bar: matches, replacing, an invalid expression.
+// The editor field with a selection and with an input method's composition under way; the
+// find bar: matches, replacing, an invalid expression; the Edit menu and the context menu.
 void shootEditorScenes(ScreenshotSession &session)
 {
     auto *area = qobject_cast<QQuickItem *>(session.find("sqlTextArea"));
@@ -42,5 +44,20 @@ void shootEditorScenes(ScreenshotSession &session)
     finder->setProperty("regularExpression", false);
     finder->setProperty("pattern", QString());
     QMetaObject::invokeMethod(findBar, "close");
+    ScreenshotSession::wait(200);
+
+    // The Edit menu and the editor's context menu, with their keys.
+    area->forceActiveFocus();
+    QMetaObject::invokeMethod(area, "select", Q_ARG(int, 7), Q_ARG(int, 20));
+    QObject *editMenu = session.find("editMenu");
+    QMetaObject::invokeMethod(editMenu, "open");
+    session.shoot(u"edit-menu"_s, 300);
+    QMetaObject::invokeMethod(editMenu, "close");
+    ScreenshotSession::wait(200);
+    QMetaObject::invokeMethod(session.find("editorContextMenu"), "openAt", Q_ARG(double, 200.0),
+                              Q_ARG(double, 60.0));
+    session.shoot(u"editor-context-menu"_s, 300);
+    QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+    QCoreApplication::sendEvent(session.window(), &escape);
     ScreenshotSession::wait(200);
 }

@@ -125,9 +125,9 @@ TestCase {
         verify(testCase.assistantRequested)
     }
 
-    // The find bar by keys: Ctrl+F opens it on the caret, typing counts and selects, Return and
-    // F3 go on, Shift+Return goes back, Ctrl+H replaces all as one undo, Escape gives the text
-    // its focus back.
+    // The find bar by keys: opened on the caret, typing counts and selects, Return and F3 go
+    // on, Shift+Return goes back, Ctrl+R opens replacing, Replace All is one undo, Escape gives
+    // the text its focus back.
     function test_findAndReplaceByKeys() {
         const editor = createTemporaryObject(editorComponent, testCase)
         const area = editor.textEditor.textArea
@@ -136,7 +136,7 @@ TestCase {
         area.selectAll()
         typeText("select a from t; select b from u; SELECT c")
         area.cursorPosition = 0
-        keyClick(Qt.Key_F, Qt.ControlModifier)
+        bar.open(false) // Ctrl+F is the window's Edit menu's
         verify(bar.visible)
         const field = findNamed(bar, "findField")
         tryCompare(field, "activeFocus", true)
@@ -160,7 +160,7 @@ TestCase {
         typeText("x")
         compare(status.text, "No results")
 
-        keyClick(Qt.Key_H, Qt.ControlModifier)
+        keyClick(Qt.Key_R, Qt.ControlModifier)
         const replace = findNamed(bar, "replaceField")
         verify(replace.visible)
         field.selectAll()
@@ -174,5 +174,35 @@ TestCase {
         verify(area.activeFocus)
         keyClick(Qt.Key_Z, Qt.ControlModifier)
         compare(area.text, "select a from t; select b from u; SELECT c")
+    }
+
+    function test_goToLine() {
+        const editor = createTemporaryObject(editorComponent, testCase)
+        const area = editor.textEditor.textArea
+        area.forceActiveFocus()
+        area.selectAll()
+        typeText("a")
+        for (let i = 0; i < 5; ++i) {
+            keyClick(Qt.Key_Return)
+            typeText("line")
+        }
+        editor.openGoToLine()
+        const field = findNamed(findChild(editor, "goToLine").contentItem, "goToLineField")
+        tryCompare(field, "activeFocus", true)
+        typeText("9") // beyond the last line: the last one
+        keyClick(Qt.Key_Return)
+        tryCompare(area, "activeFocus", true)
+        compare(area.cursorPosition, 22)
+        editor.openGoToLine()
+        tryCompare(field, "activeFocus", true)
+        compare(field.text, "")
+        typeText("3")
+        keyClick(Qt.Key_Return)
+        compare(area.cursorPosition, 7)
+        editor.openGoToLine()
+        tryCompare(field, "activeFocus", true)
+        keyClick(Qt.Key_Escape)
+        tryCompare(area, "activeFocus", true)
+        compare(area.cursorPosition, 7)
     }
 }

@@ -1,0 +1,30 @@
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Layouts
+import Varnholt
+
+// An entry of the window's menus and the context menus: the action's name, and its keys at
+// the right.
+MenuItem {
+    id: entry
+
+    readonly property string keys: action ? AppCommands.keysText(action.shortcut) : ""
+
+    implicitWidth: Math.max(implicitBackgroundWidth + leftInset + rightInset,
+                            implicitContentWidth + leftPadding + rightPadding)
+    contentItem: RowLayout {
+        spacing: 24
+        opacity: entry.enabled ? 1 : 0.45
+
+        Label {
+            Layout.fillWidth: true
+            text: entry.text
+            color: entry.highlighted ? entry.palette.highlightedText : entry.palette.windowText
+        }
+        Label {
+            visible: entry.keys.length > 0
+            text: entry.keys
+            color: entry.highlighted ? entry.palette.highlightedText : Theme.secondaryLabel
+        }
+    }
+}

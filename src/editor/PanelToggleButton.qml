@@ -15,7 +15,8 @@ AbstractButton {
 
     implicitWidth: 28
     implicitHeight: 24
-    focusPolicy: Qt.StrongFocus
+    // Reached by Tab; a click leaves the keyboard where it was.
+    focusPolicy: Qt.TabFocus
     hoverEnabled: true
     Accessible.role: Accessible.CheckBox
     Accessible.name: helpText

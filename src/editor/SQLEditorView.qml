@@ -23,6 +23,10 @@ Rectangle {
         if (controller.hasDocument && !controller.isBlank)
             controller.formatDocument()
     }
+    // Gives the keyboard to the text, where the user's next keystroke belongs.
+    function focusText() {
+        textEditor.textArea.forceActiveFocus()
+    }
     function openGoToLine() {
         if (controller.hasDocument)
             goToLine.open()
@@ -149,7 +153,8 @@ Rectangle {
 
                     objectName: "formatButton"
                     enabled: !controller.isBlank
-                    focusPolicy: Qt.StrongFocus
+                    // Reached by Tab; a click leaves the keyboard in the text.
+                    focusPolicy: Qt.TabFocus
                     hoverEnabled: true
                     text: Tr.t("Format", "美化", "整形")
                     Accessible.name: text
@@ -189,7 +194,8 @@ Rectangle {
 
                     objectName: "saveVersionButton"
                     enabled: !controller.isBlank
-                    focusPolicy: Qt.StrongFocus
+                    // Reached by Tab; a click leaves the keyboard in the text.
+                    focusPolicy: Qt.TabFocus
                     hoverEnabled: true
                     text: Tr.t("Save Version", "保存版本", "バージョンを保存")
                     Accessible.name: text

@@ -441,7 +441,10 @@ bool SQLEditorItem::event(QEvent *event)
     if (event->type() == QEvent::ShortcutOverride) {
         auto *key = static_cast<QKeyEvent *>(event);
         // Typed characters and the field's own keys are the field's, not the window's.
-        bool own = isTypedText(key) || key->key() == Qt::Key_Tab || key->key() == Qt::Key_Backtab ||
+        // Tab and Shift+Tab indent; with Ctrl they move between the window's parts.
+        const bool indentKey = (key->key() == Qt::Key_Tab || key->key() == Qt::Key_Backtab) &&
+                               !(key->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
+        bool own = isTypedText(key) || indentKey ||
                    key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter;
         for (const CursorMove &move : cursorMoves)
             own = own || key->matches(move.key);
@@ -556,6 +559,8 @@ bool SQLEditorItem::handleEdit(QKeyEvent *event)
         cursor.insertBlock();
     } else if (event->key() == Qt::Key_Backtab ||
                (event->key() == Qt::Key_Tab && (event->modifiers() & Qt::ShiftModifier))) {
+        if (event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier))
+            return false;
         indentLines(true);
         return true;
     } else if (event->key() == Qt::Key_Tab) {

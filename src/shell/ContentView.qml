@@ -84,6 +84,17 @@ Item {
         color: Theme.windowBackground
     }
 
+    // Ctrl+Tab and Ctrl+Shift+Tab take the keyboard from the text to the document list and back.
+    Shortcut {
+        sequences: ["Ctrl+Tab", "Ctrl+Shift+Tab", "Ctrl+Backtab"]
+        onActivated: {
+            if (sidebar.list.activeFocus)
+                editorView.focusText()
+            else
+                sidebar.list.forceActiveFocus()
+        }
+    }
+
     Row {
         id: row
 
@@ -91,8 +102,11 @@ Item {
         spacing: 0
 
         SidebarView {
+            id: sidebar
+
             width: content.sidebarWidth
             height: row.height
+            onDocumentCreated: editorView.focusText()
         }
 
         Rectangle {
@@ -158,7 +172,10 @@ Item {
             objectName: "versionPanel"
             currentText: controller.currentEditorContent
             onCloseRequested: content.setShowVersionHistory(false)
-            onRestoreRequested: versionId => controller.restoreVersion(versionId)
+            onRestoreRequested: versionId => {
+                controller.restoreVersion(versionId)
+                editorView.focusText()
+            }
         }
     }
 

@@ -45,7 +45,10 @@ ApplicationWindow {
             Action {
                 text: Tr.t("New SQL Document", "新建 SQL 文档", "新規 SQL ドキュメント")
                 shortcut: "Ctrl+N"
-                onTriggered: AppCommands.newDocument()
+                onTriggered: {
+                    AppCommands.newDocument()
+                    content.editorView.focusText()
+                }
             }
             Action {
                 text: Tr.t("Open…", "打开…", "開く…")
@@ -164,7 +167,10 @@ ApplicationWindow {
                 && editTarget.selectedText.length > 0
     }
 
-    Component.onCompleted: windowState.restore(window)
+    Component.onCompleted: {
+        windowState.restore(window)
+        content.editorView.focusText()
+    }
 
     // One settings window at a time: shown again and raised if it is open, made anew if not.
     function showSettings() {

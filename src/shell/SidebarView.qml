@@ -25,6 +25,9 @@ Rectangle {
     readonly property alias list: list
     readonly property alias newButton: newButton
 
+    // A document was made from the new-document sheet; the window gives the keyboard to its text.
+    signal documentCreated
+
     // Starts the deletion of a row: crumple now, throw at 0.35 s, delete at 0.6 s, tidy up
     // at 0.7 s. Each deletion keeps its own timers and its own id.
     function startDeletion(documentId: string) {
@@ -313,6 +316,9 @@ Rectangle {
     NewDocumentSheet {
         id: newDocumentSheet
 
-        onCreateRequested: name => documents.createDocument(name)
+        onCreateRequested: name => {
+            documents.createDocument(name)
+            sidebar.documentCreated()
+        }
     }
 }

@@ -13,6 +13,7 @@
 #include <QNetworkReply>
 #include <QProcess>
 #include <QQmlApplicationEngine>
+#include <QQuickItem>
 #include <QQuickWindow>
 #include <QSettings>
 #include <QSignalSpy>
@@ -91,6 +92,47 @@ private Q_SLOTS:
         QTest::qWait(50);
         QCOMPARE(store->versions(), versions);
         LanguageManager::shared()->setCurrentLanguage(AppLanguage::En);
+    }
+
+    // The keyboard goes where the next keystroke belongs: the text at start, after a new
+    // document from the menu's key or from the sheet, and after a toolbar button's click;
+    // Ctrl+Tab goes to the document list and back.
+    void focusGoesWhereTheNextKeyBelongs()
+    {
+        QVERIFY(QTest::qWaitForWindowExposed(m_window));
+        auto *area = m_window->findChild<QQuickItem *>(u"sqlTextArea"_s);
+        QTRY_VERIFY(area->hasActiveFocus());
+
+        DataStore *store = DataStore::shared();
+        QTest::keyClick(m_window, Qt::Key_N, Qt::ControlModifier);
+        QTRY_VERIFY(area->hasActiveFocus());
+        QTest::keyClick(m_window, Qt::Key_X);
+        QTRY_COMPARE(store->selectedDocument()->content, u"x"_s);
+
+        auto *list = m_window->findChild<QQuickItem *>(u"sidebar"_s)->property("list").value<QQuickItem *>();
+        QTest::keyClick(m_window, Qt::Key_Tab, Qt::ControlModifier);
+        QTRY_VERIFY(list->hasActiveFocus());
+        QTest::keyClick(m_window, Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier);
+        QTRY_VERIFY(area->hasActiveFocus());
+        QCOMPARE(store->selectedDocument()->content, u"x"_s); // no tab typed
+
+        auto *format = m_window->findChild<QQuickItem *>(u"formatButton"_s);
+        QTest::mouseClick(m_window, Qt::LeftButton, {}, format->mapToScene(QPointF(10, 10)).toPoint());
+        QTRY_VERIFY(area->hasActiveFocus());
+
+        // The sheet: its name, then Return; the text has the keyboard, not the New button.
+        auto *sidebar = m_window->findChild<QObject *>(u"sidebar"_s);
+        auto *newButton = sidebar->property("newButton").value<QQuickItem *>();
+        QTest::mouseClick(m_window, Qt::LeftButton, {}, newButton->mapToScene(QPointF(10, 10)).toPoint());
+        auto *sheet = sidebar->property("newDocumentSheet").value<QObject *>();
+        QTRY_VERIFY(sheet->property("opened").toBool());
+        QTest::keyClick(m_window, Qt::Key_Q);
+        QTest::keyClick(m_window, Qt::Key_Return);
+        QTRY_COMPARE(store->selectedDocument()->name, u"q"_s);
+        QTRY_VERIFY(!sheet->property("visible").toBool());
+        QTRY_VERIFY(area->hasActiveFocus());
+        QTest::keyClick(m_window, Qt::Key_Space);
+        QTRY_COMPARE(store->selectedDocument()->content, u" "_s);
     }
 
     // The next start finds the window where it was, at its size, with the same panel open.

@@ -9,7 +9,17 @@ ConversationStore::ConversationStore(DataStore *store, QObject *parent)
     : QObject(parent)
     , m_store(store)
 {
-    connect(store, &DataStore::documentDeleted, this, &ConversationStore::remove);
+    connect(store, &DataStore::documentDeleted, this, [this](const QUuid &documentId) {
+        // Kept at hand while the deletion can be taken back.
+        m_deleted = {documentId, load(documentId)};
+        remove(documentId);
+    });
+    connect(store, &DataStore::documentRestored, this, [this](const QUuid &documentId) {
+        if (m_deleted.first == documentId && !m_deleted.second.isEmpty())
+            save(documentId, m_deleted.second);
+        m_deleted = {};
+    });
+    connect(store, &DataStore::deletionForgotten, this, [this] { m_deleted = {}; });
     // A write that failed is tried again with the conversation it was to write.
     connect(store, &DataStore::retryRequested, this, [this] {
         forgetWritten();

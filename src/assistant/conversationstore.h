@@ -56,6 +56,8 @@ private:
     DataStore *m_store = nullptr;
     // Saved, and not known to be on disk yet; shares its data with the writer's snapshot.
     QHash<QUuid, Pending> m_pending;
+    // The conversation of the last deleted document, for its return.
+    std::pair<QUuid, QList<ConversationMessage>> m_deleted;
     // Bumped at every save, so that the writer can drop older queued snapshots.
     QHash<QUuid, quint64> m_generations;
     // Damaged files that could not be moved aside.

@@ -64,6 +64,7 @@ Rectangle {
                 onTriggered: {
                     sidebar.deleteAnimationPhase = SidebarView.DeleteAnimationPhase.Completed
                     documents.deleteDocument(steps.documentId)
+                    undoNotice.show(documents.lastDeletedName())
                     tidy.start()
                 }
             }
@@ -309,6 +310,95 @@ Rectangle {
                 text: documents.totalCount + " " + Tr.t("documents", "个文档", "件のドキュメント")
                 font.pixelSize: Theme.captionSize
                 color: Theme.tertiaryLabel
+            }
+        }
+    }
+
+    // For a few seconds after a deletion: its name, and Undo (also Ctrl+Z in the list).
+    Rectangle {
+        id: undoNotice
+
+        property string documentName: ""
+
+        function show(name: string) {
+            documentName = name
+            undoTimer.restart()
+        }
+        function undo() {
+            undoTimer.stop()
+            if (documents.undoDeletion())
+                list.forceActiveFocus()
+        }
+
+        objectName: "undoDeletionNotice"
+        visible: undoTimer.running
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.bottom: parent.bottom
+        anchors.margins: 8
+        anchors.bottomMargin: footer.height + 8
+        height: noticeRow.implicitHeight + 12
+        radius: 8
+        color: Theme.windowBackground
+        border.width: 1
+        border.color: Theme.separator
+        Accessible.role: Accessible.AlertMessage
+        Accessible.name: noticeLabel.text
+
+        Timer {
+            id: undoTimer
+
+            interval: 8000
+            onTriggered: documents.forgetDeletion()
+        }
+        Shortcut {
+            sequences: [StandardKey.Undo]
+            enabled: undoTimer.running && list.activeFocus
+            onActivated: undoNotice.undo()
+        }
+
+        Row {
+            id: noticeRow
+
+            anchors.verticalCenter: parent.verticalCenter
+            x: 10
+            width: parent.width - 20
+            spacing: 8
+
+            Label {
+                id: noticeLabel
+
+                width: parent.width - undoButton.width - parent.spacing
+                anchors.verticalCenter: parent.verticalCenter
+                text: Tr.t("“%1” deleted", "已删除“%1”", "「%1」を削除しました").arg(undoNotice.documentName)
+                elide: Text.ElideMiddle
+                font.pixelSize: Theme.subheadlineSize + 1
+                color: Theme.label
+            }
+            AbstractButton {
+                id: undoButton
+
+                objectName: "undoDeletionButton"
+                anchors.verticalCenter: parent.verticalCenter
+                text: Tr.t("Undo", "撤销", "元に戻す")
+                focusPolicy: Qt.StrongFocus
+                hoverEnabled: true
+                padding: 6
+                Accessible.name: text
+                Accessible.onPressAction: clicked()
+                onClicked: undoNotice.undo()
+                contentItem: Label {
+                    text: undoButton.text
+                    font.pixelSize: Theme.subheadlineSize + 1
+                    font.weight: Font.DemiBold
+                    color: Theme.blue
+                }
+                background: Rectangle {
+                    radius: 5
+                    color: undoButton.hovered ? Theme.withOpacity(Theme.blue, 0.1) : "transparent"
+                    border.width: undoButton.visualFocus ? 2 : 0
+                    border.color: Theme.blue
+                }
             }
         }
     }

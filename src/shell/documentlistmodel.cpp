@@ -183,6 +183,22 @@ void DocumentListModel::deleteDocument(const QString &id)
         m_store->deleteDocument(QUuid::fromString(id));
 }
 
+bool DocumentListModel::undoDeletion()
+{
+    return m_store && m_store->undoDeletion();
+}
+
+QString DocumentListModel::lastDeletedName() const
+{
+    return m_store ? m_store->lastDeletedName() : QString();
+}
+
+void DocumentListModel::forgetDeletion()
+{
+    if (m_store)
+        m_store->forgetDeletion();
+}
+
 void DocumentListModel::createDocument(const QString &name)
 {
     if (!m_store)

@@ -44,6 +44,11 @@ public:
     // Ids are passed as text, as the views hold them.
     Q_INVOKABLE void select(const QString &id);
     Q_INVOKABLE void deleteDocument(const QString &id);
+    // Brings the last deleted document back, or makes its deletion final.
+    Q_INVOKABLE bool undoDeletion();
+    Q_INVOKABLE void forgetDeletion();
+    // The name of the document the last deletion took; empty if there is none to bring back.
+    Q_INVOKABLE [[nodiscard]] QString lastDeletedName() const;
     // Creates a document named `name`, or the default name of the language in force if it is
     // empty, and selects it.
     Q_INVOKABLE void createDocument(const QString &name);

@@ -508,12 +508,17 @@ SQLDocument DataStore::createDocument(const QString &name, const QString &conten
 
 void DataStore::deleteDocument(const QUuid &id)
 {
-    const qsizetype removed = m_documents.removeIf([&id](const SQLDocument &d) { return d.id == id; });
-    if (removed > 0) {
-        markChanged(Collection::Documents);
-        Q_EMIT documentDeleted(id);
-    }
-    if (m_versions.remove(id) > 0)
+    const auto found = std::find_if(m_documents.cbegin(), m_documents.cend(),
+                                    [&id](const SQLDocument &d) { return d.id == id; });
+    if (found == m_documents.cend())
+        return;
+    forgetDeletion();
+    Deletion deletion{*found, m_versions.take(id), found - m_documents.cbegin()};
+    m_documents.removeAt(deletion.index);
+    m_lastDeletion = std::move(deletion);
+    markChanged(Collection::Documents);
+    Q_EMIT documentDeleted(id);
+    if (!m_lastDeletion->versions.isEmpty())
         markChanged(Collection::Versions);
     if (m_selectedDocumentId == id) {
         const QUuid next = m_documents.isEmpty() ? QUuid() : m_documents.constFirst().id;
@@ -521,6 +526,33 @@ void DataStore::deleteDocument(const QUuid &id)
         setLastOpenedDocumentId(next.isNull() ? std::nullopt : std::optional(next));
     }
     saveData();
+}
+
+bool DataStore::undoDeletion()
+{
+    if (!m_lastDeletion)
+        return false;
+    Deletion deletion = std::move(*m_lastDeletion);
+    m_lastDeletion.reset();
+    const QUuid id = deletion.document.id;
+    m_documents.insert(std::min(deletion.index, m_documents.size()), std::move(deletion.document));
+    markChanged(Collection::Documents);
+    if (!deletion.versions.isEmpty()) {
+        m_versions.insert(id, std::move(deletion.versions));
+        markChanged(Collection::Versions);
+    }
+    Q_EMIT documentRestored(id);
+    saveData();
+    selectAndRemember(id);
+    return true;
+}
+
+void DataStore::forgetDeletion()
+{
+    if (!m_lastDeletion)
+        return;
+    m_lastDeletion.reset();
+    Q_EMIT deletionForgotten();
 }
 
 void DataStore::setDocumentName(const QUuid &documentId, const QString &name)

@@ -137,7 +137,19 @@ public:
 
     // Documents
     SQLDocument createDocument(const QString &name, const QString &content);
+    // Deletes the document and its versions; the last deletion can be taken back until the next
+    // one or forgetDeletion().
     void deleteDocument(const QUuid &id);
+    // Brings the last deleted document back where it was, with its versions, and selects it;
+    // false if there is none to bring back.
+    bool undoDeletion();
+    // The last deletion is final: nothing of it is kept any more.
+    void forgetDeletion();
+    [[nodiscard]] bool canUndoDeletion() const { return m_lastDeletion.has_value(); }
+    [[nodiscard]] QString lastDeletedName() const
+    {
+        return m_lastDeletion ? m_lastDeletion->document.name : QString();
+    }
     void setDocumentName(const QUuid &documentId, const QString &name);
     void updateDocumentContent(const QUuid &documentId, const QString &content);
     void applyContentToSelectedDocument(const QString &content);
@@ -168,8 +180,11 @@ Q_SIGNALS:
     void documentsChanged();
     // Finer notices for list models, sent together with documentsChanged.
     void documentUpdated(const QUuid &id);
-    // A document is gone; what other subsystems keep for it can go too.
+    // A document is gone; what other subsystems keep for it can go too (and keep it at hand
+    // until deletionForgotten(), for documentRestored()).
     void documentDeleted(const QUuid &id);
+    void documentRestored(const QUuid &id);
+    void deletionForgotten();
     void versionsChanged();
     void knowledgeItemsChanged();
     void selectedDocumentIdChanged();
@@ -199,6 +214,13 @@ private:
 
     QList<SQLDocument> m_documents;
     VersionMap m_versions;
+    struct Deletion
+    {
+        SQLDocument document;
+        QList<SQLVersion> versions;
+        qsizetype index = 0;
+    };
+    std::optional<Deletion> m_lastDeletion;
     QList<KnowledgeItem> m_knowledgeItems;
     QUuid m_selectedDocumentId;
     bool m_isLoading = false;

@@ -205,6 +205,24 @@ private Q_SLOTS:
         QVERIFY(!QFileInfo::exists(m_conversations->filePath(id)));
         QVERIFY(m_conversations->load(id).isEmpty());
     }
+
+    // A deletion taken back brings the conversation back; one made final leaves nothing.
+    void undoneDeletionBringsTheConversationBack()
+    {
+        const QUuid id = firstDocument();
+        m_conversations->save(id, {reply(u"kept"_s)});
+        m_store->deleteDocument(id);
+        QVERIFY(m_store->undoDeletion());
+        m_store->flush();
+        QCOMPARE(m_conversations->load(id).size(), 1);
+        QCOMPARE(m_conversations->load(id).first().message.content, u"kept"_s);
+
+        m_store->deleteDocument(id);
+        m_store->forgetDeletion();
+        QVERIFY(!m_store->undoDeletion());
+        m_store->flush();
+        QVERIFY(!QFileInfo::exists(m_conversations->filePath(id)));
+    }
 };
 
 QTEST_GUILESS_MAIN(TestConversationStore)

@@ -179,6 +179,39 @@ private Q_SLOTS:
             !f.read(DataStore::versionsFileName).contains(a.id.toByteArray(QUuid::WithoutBraces).toUpper()));
     }
 
+    // The last deletion can be taken back: the document where it was in the list, its versions,
+    // selected; a second deletion or forgetDeletion() makes the first final.
+    void undoDeletion()
+    {
+        Fixture f;
+        auto store = f.open();
+        const SQLDocument a = store->createDocument(u"a"_s, u"select 1;"_s);
+        const SQLDocument b = store->createDocument(u"b"_s, u"select 2;"_s);
+        store->saveVersion(a.id, u"v1"_s);
+        const QList<SQLDocument> before = store->documents();
+        QVERIFY(!store->undoDeletion());
+
+        store->deleteDocument(a.id);
+        QCOMPARE(store->lastDeletedName(), u"a"_s);
+        QVERIFY(store->undoDeletion());
+        QCOMPARE(store->documents(), before);
+        QCOMPARE(store->versionsForDocument(a.id).size(), 1);
+        QCOMPARE(store->selectedDocumentId(), a.id);
+        QVERIFY(!store->undoDeletion());
+        store->flush();
+        QVERIFY(f.read(DataStore::versionsFileName).contains("v1"));
+
+        store->deleteDocument(a.id);
+        store->deleteDocument(b.id);
+        QVERIFY(store->undoDeletion());
+        QVERIFY(store->document(b.id));
+        QVERIFY(!store->document(a.id));
+        store->deleteDocument(b.id);
+        store->forgetDeletion();
+        QVERIFY(!store->undoDeletion());
+        QVERIFY(!store->document(b.id));
+    }
+
     void versions()
     {
         Fixture f;

@@ -113,6 +113,20 @@ TestCase {
         tryVerify(() => rowOf(sidebar, id) === null)
         tryCompare(sidebar, "deletingDocumentId", "", 500)
         compare(sidebar.deleteAnimationPhase, SidebarView.DeleteAnimationPhase.Idle)
+
+        // For a while it can come back: by the notice's button, or Ctrl+Z in the list.
+        const notice = findChild(sidebar, "undoDeletionNotice")
+        verify(notice.visible)
+        mouseClick(findChild(sidebar, "undoDeletionButton"))
+        tryVerify(() => rowOf(sidebar, id) !== null)
+        compare(model.totalCount, total)
+        verify(!notice.visible)
+        verify(sidebar.list.activeFocus)
+
+        sidebar.startDeletion(id)
+        tryVerify(() => rowOf(sidebar, id) === null, 1500)
+        keyClick(Qt.Key_Z, Qt.ControlModifier)
+        tryVerify(() => rowOf(sidebar, id) !== null)
     }
 
     function test_keyboard() {

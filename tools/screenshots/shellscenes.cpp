@@ -43,6 +43,7 @@ void shootEmptyStoreScene(ScreenshotSession &session)
     QMetaObject::invokeMethod(session.find("sidebar"), "startDeletion", Q_ARG(QString, doomed));
     session.shoot(u"deleting"_s, 200); // between the crumple and the throw
     ScreenshotSession::wait(800);
+    session.shoot(u"undo-deletion"_s); // the notice with Undo
 
     const QList<SQLDocument> all = store->documents();
     for (const SQLDocument &document : all)

@@ -237,6 +237,8 @@ Rectangle {
                         flat: true
                         text: Tr.t("Undo", "撤销", "元に戻す")
                         font.pixelSize: Theme.captionSize
+                        Accessible.name: text
+                        Accessible.onPressAction: clicked()
                         onClicked: conversation.restoreCleared()
                     }
                 }

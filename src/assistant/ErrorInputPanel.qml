@@ -45,6 +45,7 @@ Rectangle {
                 display: AbstractButton.IconOnly
                 padding: 2
                 Accessible.name: Tr.t("Close", "关闭", "閉じる")
+                Accessible.onPressAction: clicked()
                 onClicked: panel.closeRequested()
             }
         }

@@ -85,7 +85,6 @@ Rectangle {
         hoverEnabled: true
         implicitWidth: Math.max(26, optionLabel.implicitWidth + 10)
         implicitHeight: 24
-        Accessible.role: Accessible.CheckBox
         Accessible.name: text
         Accessible.checkable: true
         Accessible.checked: checked

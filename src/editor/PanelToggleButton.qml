@@ -18,9 +18,15 @@ AbstractButton {
     // Reached by Tab; a click leaves the keyboard where it was.
     focusPolicy: Qt.TabFocus
     hoverEnabled: true
-    Accessible.role: Accessible.CheckBox
+    // Checkable, so that assistive technology sees a toggle, checked while its panel is open. A
+    // click only asks for the panel; the panel's state, not the click, decides `checked`.
+    checkable: true
+    checked: isActive
+    onToggled: checked = Qt.binding(() => button.isActive)
     Accessible.name: helpText
-    Accessible.checked: isActive
+    Accessible.checkable: true
+    Accessible.checked: checked
+    Accessible.onPressAction: clicked()
     ToolTip.visible: hovered
     ToolTip.delay: 500
     ToolTip.text: helpText

@@ -158,6 +158,7 @@ Rectangle {
                     hoverEnabled: true
                     text: Tr.t("Format", "美化", "整形")
                     Accessible.name: text
+                    Accessible.onPressAction: clicked()
                     ToolTip.visible: hovered
                     ToolTip.delay: 500
                     ToolTip.text: text + " (Ctrl+Shift+F)"
@@ -199,6 +200,7 @@ Rectangle {
                     hoverEnabled: true
                     text: Tr.t("Save Version", "保存版本", "バージョンを保存")
                     Accessible.name: text
+                    Accessible.onPressAction: clicked()
                     ToolTip.visible: hovered
                     ToolTip.delay: 500
                     ToolTip.text: text + " (Ctrl+S)"

@@ -59,6 +59,7 @@ Rectangle {
                 checked: isCurrent
                 Accessible.role: Accessible.PageTab
                 Accessible.name: text
+                Accessible.onPressAction: clicked()
                 Keys.onLeftPressed: picker.step(index, -1)
                 Keys.onRightPressed: picker.step(index, 1)
                 onClicked: picker.activated(modelData.value)

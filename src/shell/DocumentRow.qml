@@ -33,9 +33,12 @@ Item {
 
     height: card.implicitHeight
 
-    AbstractButton {
+    // An item delegate: a list item to assistive technology, selectable, named by the document.
+    ItemDelegate {
         id: card
 
+        padding: 0
+        spacing: 0
         x: 8
         width: row.width - 16
         implicitHeight: 48
@@ -45,6 +48,8 @@ Item {
         Accessible.name: row.name
         Accessible.description: row.relativeTime
         Accessible.selected: row.isSelected
+        Accessible.selectable: true
+        Accessible.onPressAction: row.activate()
         transformOrigin: Item.Center
         onClicked: row.activate()
         onHoveredChanged: {
@@ -123,8 +128,10 @@ Item {
                 width: card.width - 24 - 38 - (row.isHovered ? 14 : 0)
                 spacing: 2
 
+                // The row says its name and age itself; the labels are not separate stops.
                 Label {
                     width: parent.width
+                    Accessible.ignored: true
                     text: row.name
                     elide: Text.ElideRight
                     maximumLineCount: 1
@@ -135,6 +142,7 @@ Item {
                 }
                 Label {
                     width: parent.width
+                    Accessible.ignored: true
                     text: row.relativeTime
                     elide: Text.ElideRight
                     font.pixelSize: Theme.caption2Size

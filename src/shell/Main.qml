@@ -37,8 +37,16 @@ ApplicationWindow {
     palette.shadow: Theme.palette.shadow
     palette.placeholderText: Theme.palette.placeholderText
 
+    // F10 opens the first menu, as on the rest of the desktop.
+    Shortcut {
+        sequence: "F10"
+        onActivated: fileMenu.open()
+    }
+
     menuBar: MenuBar {
         Menu {
+            id: fileMenu
+
             title: Tr.t("&File", "文件(&F)", "ファイル(&F)")
             delegate: MenuEntry {}
 

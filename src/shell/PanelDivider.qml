@@ -18,7 +18,35 @@ Item {
 
     signal panelWidthRequested(real width)
 
+    // One step of the keys: Left widens the panel, Right narrows it.
+    function step(delta: real) {
+        panelWidthRequested(Math.min(maxWidth, Math.max(panelWidth + delta, minWidth)))
+    }
+
     implicitWidth: handleWidth
+    activeFocusOnTab: true
+    Accessible.role: Accessible.Splitter
+    Accessible.name: Tr.t("Panel width", "面板宽度", "パネルの幅")
+    Accessible.description: Math.round(panelWidth) + " px"
+    Accessible.focusable: true
+    Keys.onLeftPressed: step(16)
+    Keys.onRightPressed: step(-16)
+    Keys.onPressed: event => {
+        if (event.key === Qt.Key_Home)
+            step(maxWidth)
+        else if (event.key === Qt.Key_End)
+            step(-maxWidth)
+        else
+            return
+        event.accepted = true
+    }
+
+    // The keyboard's place: a line along the strip while it has focus.
+    Rectangle {
+        anchors.fill: parent
+        visible: divider.activeFocus
+        color: Theme.withOpacity(Theme.cyan, 0.8)
+    }
 
     HoverHandler {
         id: hover

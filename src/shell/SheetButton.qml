@@ -13,6 +13,7 @@ Button {
     font.pixelSize: Theme.bodySize
     font.weight: prominent ? Font.DemiBold : Font.Normal
     Accessible.name: text
+    Accessible.onPressAction: clicked()
 
     contentItem: Label {
         text: button.text

@@ -163,7 +163,8 @@ Rectangle {
                     color: Theme.label
                     placeholderText: Tr.t("Search SQL...", "搜索 SQL...", "SQL を検索...")
                     placeholderTextColor: Theme.tertiaryLabel
-                    Accessible.name: placeholderText
+                    Accessible.name: Tr.t("Search documents by name", "按名称搜索文档", "名前でドキュメントを検索")
+                    Accessible.role: Accessible.EditableText
                     onTextChanged: documents.searchText = text
                     Keys.onDownPressed: list.forceActiveFocus()
                     Keys.onEscapePressed: text = ""
@@ -276,6 +277,7 @@ Rectangle {
                 height: 30
                 focusPolicy: Qt.StrongFocus
                 Accessible.name: Tr.t("New SQL", "新建 SQL", "新規 SQL")
+                Accessible.onPressAction: clicked()
                 onClicked: newDocumentSheet.open()
 
                 contentItem: Row {

@@ -7,6 +7,7 @@
 #include "testenvironment.h"
 #include "windowstate.h"
 
+#include <QAccessible>
 #include <QDir>
 #include <QFile>
 #include <QNetworkAccessManager>
@@ -133,6 +134,73 @@ private Q_SLOTS:
         QTRY_VERIFY(area->hasActiveFocus());
         QTest::keyClick(m_window, Qt::Key_Space);
         QTRY_COMPARE(store->selectedDocument()->content, u" "_s);
+    }
+
+    // What a screen reader finds and can do: buttons that act on Press, toggles that say they
+    // toggle, named fields, list rows that say which is selected, a divider that moves by keys.
+    void accessibilityTree()
+    {
+        QVERIFY(QTest::qWaitForWindowExposed(m_window));
+        DataStore *store = DataStore::shared();
+        const auto interfaceOf = [this](const char *name) {
+            auto *item = m_window->findChild<QQuickItem *>(QString::fromLatin1(name));
+            return item ? QAccessible::queryAccessibleInterface(item) : nullptr;
+        };
+
+        QTest::keyClick(m_window, Qt::Key_N, Qt::ControlModifier);
+        QTRY_VERIFY(m_window->findChild<QQuickItem *>(u"sqlTextArea"_s)->hasActiveFocus());
+        for (const char c : QByteArray("select a,b from t"))
+            QTest::keyClick(m_window, c);
+        QTRY_COMPARE(store->selectedDocument()->content, u"select a,b from t"_s);
+        QAccessibleInterface *format = interfaceOf("formatButton");
+        QVERIFY(format);
+        QCOMPARE(format->role(), QAccessible::Button);
+        QCOMPARE(format->text(QAccessible::Name), u"Format"_s);
+        QVERIFY(format->actionInterface()->actionNames().contains(QAccessibleActionInterface::pressAction()));
+        format->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+        QTRY_VERIFY(store->selectedDocument()->content.startsWith(u"SELECT"_s));
+
+        QAccessibleInterface *toggle = interfaceOf("versionsToggle");
+        QCOMPARE(toggle->role(), QAccessible::CheckBox); // Qt's role of a checkable button
+        QVERIFY(toggle->state().checkable);
+        QVERIFY(!toggle->state().checked);
+        toggle->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+        QTRY_VERIFY(m_window->findChild<QObject *>(u"versionPanel"_s));
+        QTRY_VERIFY(toggle->state().checked);
+
+        auto *sidebar = m_window->findChild<QObject *>(u"sidebar"_s);
+        auto *search = sidebar->property("searchField").value<QQuickItem *>();
+        QCOMPARE(QAccessible::queryAccessibleInterface(search)->text(QAccessible::Name),
+                 u"Search documents by name"_s);
+
+        auto *list = sidebar->property("list").value<QQuickItem *>();
+        QAccessibleInterface *listInterface = QAccessible::queryAccessibleInterface(list);
+        QCOMPARE(listInterface->role(), QAccessible::List);
+        int selectedRows = 0;
+        QList<QQuickItem *> cards{list};
+        for (qsizetype i = 0; i < cards.size(); ++i) // the rows are visual children, not owned ones
+            cards.append(cards.at(i)->childItems());
+        for (QQuickItem *card : std::as_const(cards)) {
+            QAccessibleInterface *row = QAccessible::queryAccessibleInterface(card);
+            if (!row || row->role() != QAccessible::ListItem)
+                continue;
+            QVERIFY(row->state().selectable);
+            if (row->state().selected) {
+                ++selectedRows;
+                QCOMPARE(row->text(QAccessible::Name), store->selectedDocument()->name);
+            }
+        }
+        QCOMPARE(selectedRows, 1);
+
+        QObject *content = m_window->findChild<QObject *>(u"contentView"_s);
+        auto *divider = content->property("divider").value<QQuickItem *>();
+        QCOMPARE(QAccessible::queryAccessibleInterface(divider)->role(), QAccessible::Splitter);
+        const double width = content->property("rightPanelWidth").toDouble();
+        divider->forceActiveFocus();
+        QTest::keyClick(m_window, Qt::Key_Left);
+        QCOMPARE(content->property("rightPanelWidth").toDouble(), width + 16);
+        QTest::keyClick(m_window, Qt::Key_Right);
+        QCOMPARE(content->property("rightPanelWidth").toDouble(), width);
     }
 
     // The next start finds the window where it was, at its size, with the same panel open.

@@ -3,7 +3,8 @@
 // 10 MB documents (plain letters and a quote typed near the top), jumps and a fling over them,
 // and after pasting 2 MB and 10 MB of Japanese INSERTs into a new document, with the memory used.
 //
-// Usage: QT_QPA_PLATFORM=offscreen QT_QUICK_BACKEND=software bench_window [1mb] [10mb] [paste]
+// Usage: QT_QPA_PLATFORM=offscreen QT_QUICK_BACKEND=software bench_window [1mb] [10mb] [paste] [oldview]
+// ("oldview": the same loads, keys and paste in Qt Quick's own TextArea, for comparison).
 // (no rows named: all of them)
 #include "benchsupport.h"
 #include "appengine.h"
@@ -17,6 +18,7 @@
 #include <QFile>
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
+#include <QQmlComponent>
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QTest>
@@ -120,6 +122,50 @@ double longestPauseUntilQuiet(int quiet, int limit)
         tick.restart();
     }
     return longest / 1e6;
+}
+
+// The same figures for Qt Quick's own text view (a TextArea in a ScrollView), plain, without
+// colours: its best case, for comparison with the editor field.
+void oldView()
+{
+    QQmlEngine engine;
+    QQmlComponent component(&engine);
+    component.setData(R"(
+        import QtQuick
+        import QtQuick.Controls
+        Window {
+            width: 1200; height: 750; visible: true
+            ScrollView {
+                anchors.fill: parent
+                TextArea { objectName: "oldView"; font.family: "monospace"; wrapMode: TextEdit.Wrap; focus: true }
+            }
+        })",
+                      QUrl());
+    std::unique_ptr<QObject> root(component.create());
+    auto *window = qobject_cast<QQuickWindow *>(root.get());
+    if (!window)
+        qFatal("%s", qPrintable(component.errorString()));
+    auto *area = window->findChild<QQuickItem *>(u"oldView"_s);
+    QTest::qWaitForWindowExposed(window);
+    QTest::qWait(300);
+    for (const int megabytes : {1, 10}) {
+        const QString text = corpusText(qsizetype(megabytes) << 20);
+        const Figures load = keystrokes(window, 1, [&](int) { area->setProperty("text", text); });
+        area->forceActiveFocus();
+        area->setProperty("cursorPosition", 200);
+        const Figures letters = keystrokes(window, 20, [window](int) { QTest::keyClick(window, Qt::Key_A); });
+        std::printf("old view, %d MB: loaded, first frame after %.0f ms; keystroke to next frame median %.1f ms, "
+                    "worst %.1f ms\n",
+                    megabytes, load.median, letters.median, letters.worst);
+    }
+    area->setProperty("text", QString());
+    QTest::qWait(300);
+    QGuiApplication::clipboard()->setText(japaneseInserts(2 << 20));
+    const Figures paste = keystrokes(window, 1, [window](int) { QTest::keyClick(window, Qt::Key_V, Qt::ControlModifier); });
+    const Figures after = keystrokes(window, 5, [window](int) { QTest::keyClick(window, Qt::Key_A); });
+    std::printf("old view: paste of 2 MB into an empty view: %.0f ms to the next frame; keystroke after it median "
+                "%.0f ms, worst %.0f ms (each wait is cut at 2 s)\n",
+                paste.median, after.median, after.worst);
 }
 
 } // namespace
@@ -247,6 +293,8 @@ int main(int argc, char **argv)
         std::printf("after the paste, at the top: keystroke to next frame median %.1f ms, worst %.1f ms\n", top.median,
                     top.worst);
     }
+    if (runs(u"oldview"))
+        oldView();
     std::printf("peak memory: %.0f MB\n", peakMegabytes());
     return 0;
 }

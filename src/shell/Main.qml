@@ -77,6 +77,7 @@ ApplicationWindow {
             Action {
                 text: Tr.t("Save Version", "保存版本", "バージョンを保存")
                 shortcut: "Ctrl+Shift+S"
+                enabled: content.controller.editor !== null && content.controller.editor.hasDocument
                 onTriggered: AppCommands.quickSave()
             }
             MenuSeparator {}

@@ -218,29 +218,35 @@ Rectangle {
                 }
             }
 
-            // Arrows move the selection, Delete throws the selected document away.
-            function selectedRow(): int {
-                for (let i = 0; i < count; ++i) {
-                    const item = itemAtIndex(i) as DocumentRow
-                    if (item && item.isSelected)
-                        return i
-                }
-                return -1
-            }
+            // Arrows, Page Up and Down, Home and End move the selection, also when the selected
+            // row is scrolled out of view; Delete throws the selected document away.
             function selectRow(row: int) {
-                if (row < 0 || row >= count)
+                if (row < 0 || row >= count || sidebar.deletingDocumentId !== "")
                     return
+                documents.selectRow(row)
                 positionViewAtIndex(row, ListView.Contain)
-                const item = itemAtIndex(row) as DocumentRow
-                if (item)
-                    item.activate()
             }
-            Keys.onUpPressed: selectRow(Math.max(0, selectedRow() - 1))
-            Keys.onDownPressed: selectRow(selectedRow() < 0 ? 0 : selectedRow() + 1)
+            readonly property int pageRows: Math.max(1, Math.floor(height / 50) - 1)
+            Keys.onUpPressed: selectRow(Math.max(0, documents.selectedRow() - 1))
+            Keys.onDownPressed: selectRow(documents.selectedRow() < 0 ? 0 : documents.selectedRow() + 1)
+            Keys.onPressed: event => {
+                const row = documents.selectedRow()
+                if (event.key === Qt.Key_Home)
+                    selectRow(0)
+                else if (event.key === Qt.Key_End)
+                    selectRow(count - 1)
+                else if (event.key === Qt.Key_PageUp)
+                    selectRow(Math.max(0, row - pageRows))
+                else if (event.key === Qt.Key_PageDown)
+                    selectRow(Math.min(count - 1, row + pageRows))
+                else
+                    return
+                event.accepted = true
+            }
             Keys.onDeletePressed: {
-                const item = itemAtIndex(selectedRow()) as DocumentRow
-                if (item)
-                    sidebar.startDeletion(item.documentId)
+                const id = documents.idAt(documents.selectedRow())
+                if (id !== "")
+                    sidebar.startDeletion(id)
             }
 
             delegate: DocumentRow {
@@ -250,7 +256,11 @@ Rectangle {
                 deleteAnimationPhase: sidebar.deleteAnimationPhase
                 listHasFocus: list.activeFocus
                 onHoverChanged: (id, entered) => sidebar.hoveredDocumentId = entered ? id : ""
-                onSelectRequested: id => documents.select(id)
+                onSelectRequested: id => {
+                    documents.select(id)
+                    // A click on a row gives the list the keyboard, for the arrows that follow.
+                    list.forceActiveFocus()
+                }
                 onDeleteRequested: id => sidebar.startDeletion(id)
             }
         }

@@ -177,6 +177,26 @@ void DocumentListModel::select(const QString &id)
         m_store->setSelectedDocumentId(QUuid::fromString(id));
 }
 
+int DocumentListModel::selectedRow() const
+{
+    for (qsizetype row = 0; row < m_rows.size(); ++row) {
+        if (m_rows.at(row).id == m_selectedId)
+            return int(row);
+    }
+    return -1;
+}
+
+void DocumentListModel::selectRow(int row)
+{
+    if (m_store && row >= 0 && row < m_rows.size())
+        m_store->setSelectedDocumentId(m_rows.at(row).id);
+}
+
+QString DocumentListModel::idAt(int row) const
+{
+    return row >= 0 && row < m_rows.size() ? idText(m_rows.at(row).id) : QString();
+}
+
 void DocumentListModel::deleteDocument(const QString &id)
 {
     if (m_store)

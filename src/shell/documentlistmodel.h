@@ -43,6 +43,11 @@ public:
 
     // Ids are passed as text, as the views hold them.
     Q_INVOKABLE void select(const QString &id);
+    // The selected document's row, or -1 (the list's keys work from here whether or not the
+    // row is in view); selectRow() selects the document at a row, if there is one.
+    Q_INVOKABLE [[nodiscard]] int selectedRow() const;
+    Q_INVOKABLE void selectRow(int row);
+    Q_INVOKABLE [[nodiscard]] QString idAt(int row) const;
     Q_INVOKABLE void deleteDocument(const QString &id);
     // Brings the last deleted document back, or makes its deletion final.
     Q_INVOKABLE bool undoDeletion();

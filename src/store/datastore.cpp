@@ -491,11 +491,22 @@ bool DataStore::isFileWritten(const QString &path, quint64 generation) const
 
 // Documents
 
+QString DataStore::singleLineName(const QString &name)
+{
+    QString line = name;
+    for (QChar &c : line) {
+        if (c == u'\n' || c == u'\r' || c == u'\t' || c == u'\v' || c == u'\f' || c == QChar::LineSeparator ||
+            c == QChar::ParagraphSeparator)
+            c = u' ';
+    }
+    return line;
+}
+
 SQLDocument DataStore::createDocument(const QString &name, const QString &content)
 {
     SQLDocument document;
     document.id = QUuid::createUuid();
-    document.name = name;
+    document.name = singleLineName(name);
     document.content = content;
     document.createdAt = Clock::now();
     document.updatedAt = Clock::now();
@@ -555,10 +566,11 @@ void DataStore::forgetDeletion()
     Q_EMIT deletionForgotten();
 }
 
-void DataStore::setDocumentName(const QUuid &documentId, const QString &name)
+void DataStore::setDocumentName(const QUuid &documentId, const QString &typed)
 {
-    if (name.isEmpty())
+    if (typed.isEmpty())
         return;
+    const QString name = singleLineName(typed);
     if (!changeDocument(documentId, [&name](SQLDocument &document) { document.name = name; }))
         return;
     saveData();

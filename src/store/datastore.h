@@ -136,6 +136,8 @@ public:
     [[nodiscard]] bool isFileWritten(const QString &path, quint64 generation) const;
 
     // Documents
+    // A document's name is one line: line breaks and tabs (a pasted name) become spaces.
+    [[nodiscard]] static QString singleLineName(const QString &name);
     SQLDocument createDocument(const QString &name, const QString &content);
     // Deletes the document and its versions; the last deletion can be taken back until the next
     // one or forgetDeletion().

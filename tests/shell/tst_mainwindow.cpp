@@ -141,6 +141,7 @@ private Q_SLOTS:
     void accessibilityTree()
     {
         QVERIFY(QTest::qWaitForWindowExposed(m_window));
+        LanguageManager::shared()->setCurrentLanguage(AppLanguage::En);
         DataStore *store = DataStore::shared();
         const auto interfaceOf = [this](const char *name) {
             auto *item = m_window->findChild<QQuickItem *>(QString::fromLatin1(name));

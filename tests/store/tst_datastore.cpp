@@ -179,6 +179,17 @@ private Q_SLOTS:
             !f.read(DataStore::versionsFileName).contains(a.id.toByteArray(QUuid::WithoutBraces).toUpper()));
     }
 
+    // Names are one line: a pasted line break or tab becomes a space.
+    void namesAreOneLine()
+    {
+        Fixture f;
+        auto store = f.open();
+        const SQLDocument made = store->createDocument(u"pasted\nname\twith\u2029breaks"_s, QString());
+        QCOMPARE(made.name, u"pasted name with breaks"_s);
+        store->setDocumentName(made.id, u"new\r\nname"_s);
+        QCOMPARE(store->document(made.id)->name, u"new  name"_s);
+    }
+
     // The last deletion can be taken back: the document where it was in the list, its versions,
     // selected; a second deletion or forgetDeletion() makes the first final.
     void undoDeletion()

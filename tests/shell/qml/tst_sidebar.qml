@@ -146,6 +146,27 @@ TestCase {
         tryCompare(model, "totalCount", total - 1, 1500)
     }
 
+    // End, Home, Page Down; the arrows go on from a selected row scrolled out of view.
+    function test_keysOverALongList() {
+        const sidebar = createTemporaryObject(sidebarComponent, testCase)
+        const model = sidebar.model
+        for (let i = 0; i < 40; ++i)
+            model.createDocument("doc " + i)
+        tryCompare(model, "count", model.totalCount)
+        const list = sidebar.list
+        list.forceActiveFocus()
+        keyClick(Qt.Key_End)
+        compare(model.selectedRow(), model.count - 1)
+        list.positionViewAtBeginning()
+        keyClick(Qt.Key_Up)
+        compare(model.selectedRow(), model.count - 2)
+        keyClick(Qt.Key_Home)
+        compare(model.selectedRow(), 0)
+        keyClick(Qt.Key_PageDown)
+        verify(model.selectedRow() > 3)
+        tryVerify(() => rowAt(sidebar, model.selectedRow()).isSelected)
+    }
+
     function test_hoverMarksTheRow() {
         const sidebar = createTemporaryObject(sidebarComponent, testCase)
         const row = rowAt(sidebar, 0)

@@ -524,6 +524,7 @@ Rectangle {
         property string proposedSQL: ""
 
         objectName: "comparisonSheet"
+        title: Tr.t("The editor's text and the reply's SQL", "编辑器内容与回复中的 SQL", "エディタの内容と回答の SQL")
         width: Math.min(720, panel.Window.width - 80)
         height: Math.min(520, panel.Window.height - 80)
         padding: 0
@@ -584,6 +585,7 @@ Rectangle {
         id: alert
 
         objectName: "assistantAlert"
+        title: Tr.t("API error", "API 错误", "API エラー")
         width: 320
         onClosed: conversation.dismissError()
         onAcceptRequested: close()

@@ -26,6 +26,7 @@ SheetFrame {
         close()
     }
 
+    title: Tr.t("Save Version", "保存版本", "バージョンを保存")
     width: 320
     onOpened: noteField.forceActiveFocus()
     onClosed: noteField.text = ""

@@ -36,6 +36,7 @@ SheetFrame {
         close()
     }
 
+    title: sheet.isNew ? Tr.t("Add Knowledge", "添加知识点", "知識を追加") : Tr.t("Edit Knowledge", "编辑知识点", "知識を編集")
     width: 400
     padding: 20
     onAboutToShow: {

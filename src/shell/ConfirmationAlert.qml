@@ -8,7 +8,6 @@ import Varnholt
 SheetFrame {
     id: alert
 
-    required property string title
     required property string message
     required property string confirmText
 

@@ -22,6 +22,7 @@ SheetFrame {
         close()
     }
 
+    title: Tr.t("New SQL Document", "新建 SQL 文档", "新規 SQL ドキュメント")
     width: 320
     onOpened: nameField.forceActiveFocus()
     onClosed: nameField.text = ""

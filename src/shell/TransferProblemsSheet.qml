@@ -9,6 +9,7 @@ SheetFrame {
 
     required property list<string> problems
 
+    title: Tr.t("Some files could not be used", "部分文件无法使用", "使用できなかったファイルがあります")
     width: 440
     onCancelRequested: close()
     onAcceptRequested: close()

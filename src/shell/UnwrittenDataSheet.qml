@@ -17,6 +17,7 @@ SheetFrame {
     signal retryRequested
     signal discardRequested
 
+    title: Tr.t("Some changes are not saved", "有些修改尚未保存", "保存されていない変更があります")
     width: 460
     onOpened: exportButton.forceActiveFocus()
     onClosed: exportError = ""

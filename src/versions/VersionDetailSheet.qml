@@ -43,6 +43,7 @@ SheetFrame {
         copiedDelay.createObject(sheet)
     }
 
+    title: "v" + sheet.version.versionNumber
     width: 720
     height: 520
     padding: 0

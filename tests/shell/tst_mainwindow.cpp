@@ -140,8 +140,12 @@ private Q_SLOTS:
     // toggle, named fields, list rows that say which is selected, a divider that moves by keys.
     void accessibilityTree()
     {
-        QVERIFY(QTest::qWaitForWindowExposed(m_window));
+        // A window made while a screen reader listens.
         LanguageManager::shared()->setCurrentLanguage(AppLanguage::En);
+        QAccessible::setActive(true);
+        cleanup();
+        QVERIFY(openWindow());
+        QVERIFY(QTest::qWaitForWindowExposed(m_window));
         DataStore *store = DataStore::shared();
         const auto interfaceOf = [this](const char *name) {
             auto *item = m_window->findChild<QQuickItem *>(QString::fromLatin1(name));
@@ -192,6 +196,17 @@ private Q_SLOTS:
             }
         }
         QCOMPARE(selectedRows, 1);
+
+        // A sheet is a dialog named by its title.
+        auto *sheet = sidebar->property("newDocumentSheet").value<QObject *>();
+        QMetaObject::invokeMethod(sheet, "open");
+        QTRY_VERIFY(sheet->property("opened").toBool());
+        QQuickItem *sheetItem = sheet->property("contentItem").value<QQuickItem *>()->parentItem();
+        QAccessibleInterface *dialog = QAccessible::queryAccessibleInterface(sheetItem);
+        QCOMPARE(dialog->role(), QAccessible::Dialog);
+        QCOMPARE(dialog->text(QAccessible::Name), u"New SQL Document"_s);
+        QMetaObject::invokeMethod(sheet, "cancel");
+        QTRY_VERIFY(!sheet->property("visible").toBool());
 
         QObject *content = m_window->findChild<QObject *>(u"contentView"_s);
         auto *divider = content->property("divider").value<QQuickItem *>();

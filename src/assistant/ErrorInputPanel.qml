@@ -107,14 +107,14 @@ Rectangle {
                 Icon {
                     anchors.verticalCenter: parent.verticalCenter
                     name: "wrench.and.screwdriver"
-                    color: "white"
+                    color: Theme.textOn(Theme.orange)
                     size: 12
                 }
                 Label {
                     anchors.verticalCenter: parent.verticalCenter
                     text: fixButton.text
                     font.pixelSize: Theme.subheadlineSize + 1
-                    color: "white"
+                    color: Theme.textOn(Theme.orange)
                 }
             }
             background: Rectangle {

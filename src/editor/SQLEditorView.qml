@@ -211,13 +211,13 @@ Rectangle {
                         Icon {
                             anchors.verticalCenter: parent.verticalCenter
                             name: "clock.arrow.circlepath"
-                            color: saveButton.enabled ? "white" : Theme.secondaryLabel
+                            color: saveButton.enabled ? Theme.textOn(Theme.cyan) : Theme.secondaryLabel
                             size: 12
                         }
                         Label {
                             text: saveButton.text
                             font.pixelSize: Theme.subheadlineSize + 1
-                            color: saveButton.enabled ? "white" : Theme.secondaryLabel
+                            color: saveButton.enabled ? Theme.textOn(Theme.cyan) : Theme.secondaryLabel
                         }
                     }
                     leftPadding: 10

@@ -18,7 +18,7 @@ Button {
     contentItem: Label {
         text: button.text
         font: button.font
-        color: button.prominent ? "white" : Theme.label
+        color: button.prominent ? Theme.textOn(button.tint) : Theme.label
         horizontalAlignment: Text.AlignHCenter
         verticalAlignment: Text.AlignVCenter
         opacity: button.enabled ? 1 : 0.5

@@ -44,6 +44,17 @@ QtObject {
     // Code in replies and sheets; in points, as the colouring formats carry their size.
     readonly property real codePointSize: 9
 
+    // Text on a filled control of colour `background`: white where it reads at 4.5:1 or better,
+    // otherwise whichever of white and near black reads better (WCAG relative luminance).
+    function textOn(background: color): color {
+        const linear = channel => channel <= 0.04045 ? channel / 12.92 : Math.pow((channel + 0.055) / 1.055, 2.4)
+        const luminance = 0.2126 * linear(background.r) + 0.7152 * linear(background.g)
+                + 0.0722 * linear(background.b)
+        const onWhite = 1.05 / (luminance + 0.05)
+        const onBlack = (luminance + 0.05) / 0.05
+        return onWhite >= 4.5 || onWhite >= onBlack ? "white" : "#1d1d1f"
+    }
+
     // `c` drawn at `opacity`: its own alpha multiplied, as a view's opacity would.
     function withOpacity(c: color, opacity: real): color {
         return Qt.rgba(c.r, c.g, c.b, c.a * opacity)

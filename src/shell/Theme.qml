@@ -32,17 +32,21 @@ QtObject {
     readonly property color red: dark ? "#ff453a" : "#ff3b30"
     readonly property color gray: "#8e8e93"
 
-    // Text styles, in pixels
-    readonly property int title2Size: 17
-    readonly property int title3Size: 15
-    readonly property int headlineSize: 13
-    readonly property int bodySize: 13
-    readonly property int subheadlineSize: 11
-    readonly property int captionSize: 10
-    readonly property int caption2Size: 10
+    // Text styles, in pixels: the design's sizes, for a body text of 13 pixels, scaled by the
+    // desktop's own font (10 points, the usual default, is about 13 pixels), so that a user who
+    // chose larger text gets larger text here too.
+    readonly property real fontScale: Qt.application.font.pixelSize > 0 ? Qt.application.font.pixelSize / 13
+                                                                      : Qt.application.font.pointSize / 10
+    readonly property int title2Size: Math.round(17 * fontScale)
+    readonly property int title3Size: Math.round(15 * fontScale)
+    readonly property int headlineSize: Math.round(13 * fontScale)
+    readonly property int bodySize: Math.round(13 * fontScale)
+    readonly property int subheadlineSize: Math.round(11 * fontScale)
+    readonly property int captionSize: Math.round(10 * fontScale)
+    readonly property int caption2Size: Math.round(10 * fontScale)
     readonly property string monospaceFamily: "monospace"
     // Code in replies and sheets; in points, as the colouring formats carry their size.
-    readonly property real codePointSize: 9
+    readonly property real codePointSize: 9 * fontScale
 
     // Text on a filled control of colour `background`: white where it reads at 4.5:1 or better,
     // otherwise whichever of white and near black reads better (WCAG relative luminance).

@@ -266,6 +266,7 @@ Rectangle {
                 cacheBuffer: height
                 ScrollBar.vertical: ScrollBar {
                     policy: ScrollBar.AlwaysOn
+                    Accessible.name: Tr.t("Conversation", "对话", "会話")
                 }
 
                 delegate: Item {

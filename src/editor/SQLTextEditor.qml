@@ -58,6 +58,7 @@ Item {
         anchors.right: parent.right
         anchors.bottom: parent.bottom
         orientation: Qt.Vertical
+        Accessible.name: Tr.t("SQL", "SQL", "SQL")
         policy: area.contentHeight > area.height ? ScrollBar.AsNeeded : ScrollBar.AlwaysOff
         size: area.height / Math.max(area.contentHeight, 1)
         position: area.contentY / Math.max(area.contentHeight, 1)

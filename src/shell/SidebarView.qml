@@ -191,7 +191,28 @@ Rectangle {
             keyNavigationEnabled: false
             activeFocusOnTab: true
             boundsBehavior: Flickable.StopAtBounds
-            ScrollBar.vertical: ScrollBar {}
+            ScrollBar.vertical: ScrollBar {
+                Accessible.name: Tr.t("Documents", "文档", "ドキュメント")
+            }
+
+            // A search that finds nothing says so; an empty store says how to begin.
+            Label {
+                objectName: "emptyListText"
+                visible: list.count === 0
+                anchors.centerIn: parent
+                width: parent.width - 32
+                horizontalAlignment: Text.AlignHCenter
+                wrapMode: Text.Wrap
+                text: searchField.text.length > 0
+                      ? Tr.t("No documents match “%1”", "没有与“%1”匹配的文档", "「%1」に一致するドキュメントはありません")
+                        .arg(searchField.text)
+                      : Tr.t("No documents yet. Create one with New SQL.", "还没有文档。用“新建 SQL”创建一个。",
+                             "ドキュメントはまだありません。「新規 SQL」で作成できます。")
+                font.pixelSize: Theme.subheadlineSize + 1
+                color: Theme.secondaryLabel
+                Accessible.role: Accessible.StaticText
+                Accessible.name: text
+            }
             Accessible.role: Accessible.List
             Accessible.name: Tr.t("All Documents", "所有文档", "すべてのドキュメント")
 

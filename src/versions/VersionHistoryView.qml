@@ -144,7 +144,9 @@ Rectangle {
             boundsBehavior: Flickable.StopAtBounds
             // Only the cards in view are made.
             reuseItems: true
-            ScrollBar.vertical: ScrollBar {}
+            ScrollBar.vertical: ScrollBar {
+                Accessible.name: Tr.t("Version History", "版本历史", "バージョン履歴")
+            }
             Accessible.role: Accessible.List
             Accessible.name: Tr.t("Version History", "版本历史", "バージョン履歴")
             Keys.onReturnPressed: panel.viewingIndex = currentIndex

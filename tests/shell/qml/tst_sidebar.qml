@@ -54,8 +54,12 @@ TestCase {
         typeText("CREATE TABLE") // in the sample's text, not in any name
         compare(model.count, 0)
         compare(model.totalCount, total)
+        const empty = findChild(sidebar, "emptyListText")
+        verify(empty.visible)
+        compare(empty.text, "No documents match “CREATE TABLE”")
         keyClick(Qt.Key_Escape)
         compare(model.count, total)
+        verify(!empty.visible)
     }
 
     function test_newDocumentSheet() {

@@ -26,6 +26,10 @@ Item {
     signal selectRequested(string documentId)
     signal deleteRequested(string documentId)
 
+    // The row's menu at the row, as the Menu key opens it.
+    function openMenu() {
+        contextMenu.popup(card, card.width / 2, card.height / 2)
+    }
     function activate() {
         if (!isDeleting)
             selectRequested(documentId)
@@ -155,6 +159,7 @@ Item {
     Menu {
         id: contextMenu
 
+        objectName: "documentMenu"
         MenuItem {
             text: Tr.t("Delete", "删除", "削除")
             icon.source: "image://icons/trash?color=" + encodeURIComponent(Theme.red.toString())

@@ -260,6 +260,13 @@ Rectangle {
                     selectRow(Math.max(0, row - pageRows))
                 else if (event.key === Qt.Key_PageDown)
                     selectRow(Math.min(count - 1, row + pageRows))
+                else if ((event.key === Qt.Key_Menu
+                          || (event.key === Qt.Key_F10 && (event.modifiers & Qt.ShiftModifier))) && row >= 0) {
+                    positionViewAtIndex(row, ListView.Contain)
+                    const item = itemAtIndex(row) as DocumentRow
+                    if (item)
+                        item.openMenu()
+                }
                 else
                     return
                 event.accepted = true

@@ -145,6 +145,13 @@ TestCase {
         tryVerify(() => rowAt(sidebar, 1).isSelected)
         keyClick(Qt.Key_Up)
         tryVerify(() => rowAt(sidebar, 0).isSelected)
+        // The Menu key opens the selected row's menu.
+        keyClick(Qt.Key_Menu)
+        const menu = findChild(rowAt(sidebar, 0), "documentMenu")
+        tryVerify(() => menu.visible)
+        keyClick(Qt.Key_Escape)
+        tryVerify(() => !menu.visible)
+        sidebar.list.forceActiveFocus()
         const total = model.totalCount
         keyClick(Qt.Key_Delete)
         tryCompare(model, "totalCount", total - 1, 1500)

@@ -205,11 +205,17 @@ void SQLTextFinder::finishSearch()
 void SQLTextFinder::contentsChange(int position, int removed, int added)
 {
     m_textIsCurrent = false;
-    if (!m_active || m_matches.empty()) {
-        if (m_active && !m_pattern.isEmpty())
-            m_researchTimer.start();
+    if (!m_active)
         return;
+    // A search under way walks the text as it was; it starts again on the new text shortly.
+    m_sliceTimer.stop();
+    m_iterator = {};
+    if (!m_pattern.isEmpty() && m_errorString.isEmpty()) {
+        setSearching(true);
+        m_researchTimer.start();
     }
+    if (m_matches.empty())
+        return;
     // Until the text is searched again the matches move with it; those the edit touched go.
     const int shift = added - removed;
     const int currentStart = this->currentStart();
@@ -226,15 +232,11 @@ void SQLTextFinder::contentsChange(int position, int removed, int added)
         if (match.start == currentStart)
             current = int(kept.size()) - 1;
     }
-    m_sliceTimer.stop();
-    m_iterator = {};
     m_matches = std::move(kept);
     m_current = current;
     m_wantedStart = current >= 0 ? m_matches[std::size_t(current)].start : position;
     Q_EMIT matchesChanged();
     Q_EMIT currentChanged();
-    setSearching(true);
-    m_researchTimer.start();
 }
 
 void SQLTextFinder::setOrigin(int position)

@@ -11,6 +11,10 @@ ApplicationWindow {
     property bool isClosingWithAnimation: false
     // The user chose to go without what the store could not write.
     property bool mayLeaveUnwritten: false
+    // What the Edit menu works on: the item that had the keyboard before the menu took it.
+    property Item editTarget: null
+    // A document is open in the editor: the commands on it are enabled.
+    readonly property bool hasDocument: content.controller.editor !== null && content.controller.editor.hasDocument
 
     width: 1200
     height: 750
@@ -66,7 +70,7 @@ ApplicationWindow {
             Action {
                 text: Tr.t("Export…", "导出…", "書き出す…")
                 shortcut: "Ctrl+E"
-                enabled: content.controller.editor !== null && content.controller.editor.hasDocument
+                enabled: window.hasDocument
                 onTriggered: {
                     content.controller.editor.syncNow()
                     exportDialog.selectedFile = transfer.suggestedFileName
@@ -77,7 +81,7 @@ ApplicationWindow {
             Action {
                 text: Tr.t("Save Version", "保存版本", "バージョンを保存")
                 shortcut: "Ctrl+Shift+S"
-                enabled: content.controller.editor !== null && content.controller.editor.hasDocument
+                enabled: window.hasDocument
                 onTriggered: AppCommands.quickSave()
             }
             MenuSeparator {}
@@ -142,26 +146,24 @@ ApplicationWindow {
             Action {
                 text: Tr.t("Find…", "查找…", "検索…")
                 shortcut: StandardKey.Find
-                enabled: content.controller.editor !== null && content.controller.editor.hasDocument
+                enabled: window.hasDocument
                 onTriggered: content.editorView.findBar.open(false)
             }
             Action {
                 text: Tr.t("Find and Replace…", "查找和替换…", "検索と置換…")
                 shortcut: "Ctrl+H"
-                enabled: content.controller.editor !== null && content.controller.editor.hasDocument
+                enabled: window.hasDocument
                 onTriggered: content.editorView.findBar.open(true)
             }
             Action {
                 text: Tr.t("Go to Line…", "转到行…", "行へ移動…")
                 shortcut: "Ctrl+G"
-                enabled: content.controller.editor !== null && content.controller.editor.hasDocument
+                enabled: window.hasDocument
                 onTriggered: content.editorView.openGoToLine()
             }
         }
     }
 
-    // What the Edit menu works on: the item that had the keyboard before the menu took it.
-    property Item editTarget: null
     onActiveFocusItemChanged: {
         if (!editMenu.visible)
             editTarget = activeFocusItem

@@ -9,7 +9,6 @@ Item {
     id: area
 
     required property Item target
-    readonly property bool editable: !(target.readOnly ?? false)
 
     function openAt(x: real, y: real) {
         target.forceActiveFocus()
@@ -33,50 +32,35 @@ Item {
 
     // Its actions (and so their keys) are live only while it is open: the fields take their
     // own keys, and a closed menu must not claim them for the window.
+    EditActions {
+        id: edits
+
+        target: area.target
+        live: menu.visible
+    }
+
     Menu {
         id: menu
 
-        delegate: MenuEntry {}
-
-        Action {
-            text: Tr.t("Undo", "撤销", "元に戻す")
-            shortcut: StandardKey.Undo
-            enabled: menu.visible && area.editable && area.target.canUndo
-            onTriggered: area.target.undo()
+        MenuEntry {
+            action: edits.undo
         }
-        Action {
-            text: Tr.t("Redo", "重做", "やり直す")
-            shortcut: StandardKey.Redo
-            enabled: menu.visible && area.editable && area.target.canRedo
-            onTriggered: area.target.redo()
+        MenuEntry {
+            action: edits.redo
         }
-        MenuSeparator {
+        MenuSeparator {}
+        MenuEntry {
+            action: edits.cut
         }
-        Action {
-            text: Tr.t("Cut", "剪切", "切り取り")
-            shortcut: StandardKey.Cut
-            enabled: menu.visible && area.editable && area.target.selectedText.length > 0
-            onTriggered: area.target.cut()
+        MenuEntry {
+            action: edits.copy
         }
-        Action {
-            text: Tr.t("Copy", "拷贝", "コピー")
-            shortcut: StandardKey.Copy
-            enabled: menu.visible && area.target.selectedText.length > 0
-            onTriggered: area.target.copy()
+        MenuEntry {
+            action: edits.paste
         }
-        Action {
-            text: Tr.t("Paste", "粘贴", "貼り付け")
-            shortcut: StandardKey.Paste
-            enabled: menu.visible && area.editable && area.target.canPaste
-            onTriggered: area.target.paste()
-        }
-        MenuSeparator {
-        }
-        Action {
-            text: Tr.t("Select All", "全选", "すべてを選択")
-            shortcut: StandardKey.SelectAll
-            enabled: menu.visible
-            onTriggered: area.target.selectAll()
+        MenuSeparator {}
+        MenuEntry {
+            action: edits.selectAll
         }
     }
 }

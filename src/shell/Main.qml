@@ -105,42 +105,24 @@ ApplicationWindow {
             title: Tr.t("&Edit", "编辑(&E)", "編集(&E)")
             delegate: MenuEntry {}
 
-            Action {
-                text: Tr.t("Undo", "撤销", "元に戻す")
-                shortcut: StandardKey.Undo
-                enabled: window.editTargetCan("canUndo")
-                onTriggered: window.editTarget.undo()
+            MenuEntry {
+                action: fieldEdits.undo
             }
-            Action {
-                text: Tr.t("Redo", "重做", "やり直す")
-                shortcut: StandardKey.Redo
-                enabled: window.editTargetCan("canRedo")
-                onTriggered: window.editTarget.redo()
+            MenuEntry {
+                action: fieldEdits.redo
             }
             MenuSeparator {}
-            Action {
-                text: Tr.t("Cut", "剪切", "切り取り")
-                shortcut: StandardKey.Cut
-                enabled: window.editTargetHasSelection() && !(window.editTarget.readOnly ?? false)
-                onTriggered: window.editTarget.cut()
+            MenuEntry {
+                action: fieldEdits.cut
             }
-            Action {
-                text: Tr.t("Copy", "拷贝", "コピー")
-                shortcut: StandardKey.Copy
-                enabled: window.editTargetHasSelection()
-                onTriggered: window.editTarget.copy()
+            MenuEntry {
+                action: fieldEdits.copy
             }
-            Action {
-                text: Tr.t("Paste", "粘贴", "貼り付け")
-                shortcut: StandardKey.Paste
-                enabled: window.editTargetCan("canPaste") && !(window.editTarget.readOnly ?? false)
-                onTriggered: window.editTarget.paste()
+            MenuEntry {
+                action: fieldEdits.paste
             }
-            Action {
-                text: Tr.t("Select All", "全选", "すべてを選択")
-                shortcut: StandardKey.SelectAll
-                enabled: window.editTargetCan("selectAll")
-                onTriggered: window.editTarget.selectAll()
+            MenuEntry {
+                action: fieldEdits.selectAll
             }
             MenuSeparator {}
             Action {
@@ -168,14 +150,10 @@ ApplicationWindow {
         if (!editMenu.visible)
             editTarget = activeFocusItem
     }
-    // Whether the edit target is a text field whose property (or function) `name` says yes:
-    // "canUndo", "canPaste", "selectAll"…
-    function editTargetCan(name: string): bool {
-        return editTarget !== null && editTarget[name] !== undefined && editTarget[name] !== false
-    }
-    function editTargetHasSelection(): bool {
-        return editTarget !== null && typeof editTarget.selectedText === "string"
-                && editTarget.selectedText.length > 0
+    EditActions {
+        id: fieldEdits
+
+        target: window.editTarget
     }
 
     Component.onCompleted: {

@@ -42,6 +42,14 @@ Item {
     Menu {
         id: menu
 
+        objectName: "fieldMenu"
+        // The keyboard goes back to the field, unless something else took it meanwhile (Qt
+        // leaves it with the window's root item).
+        onClosed: {
+            const focused = area.Window.activeFocusItem
+            if (focused === null || focused.parent === null)
+                area.target.forceActiveFocus()
+        }
         MenuEntry {
             action: edits.undo
         }

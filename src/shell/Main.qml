@@ -147,7 +147,8 @@ ApplicationWindow {
     }
 
     onActiveFocusItemChanged: {
-        if (!editMenu.visible)
+        // Not the menu's own items, nor the root item Qt leaves the keyboard with.
+        if (!editMenu.visible && activeFocusItem !== null && activeFocusItem.parent !== null)
             editTarget = activeFocusItem
     }
     EditActions {

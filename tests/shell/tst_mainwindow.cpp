@@ -117,6 +117,14 @@ private Q_SLOTS:
         QTRY_VERIFY(area->hasActiveFocus());
         QCOMPARE(store->selectedDocument()->content, u"x"_s); // no tab typed
 
+        // The Edit menu, opened and closed, gives the keyboard back to the text.
+        QObject *editMenu = m_window->findChild<QObject *>(u"editMenu"_s);
+        QMetaObject::invokeMethod(editMenu, "open");
+        QTRY_VERIFY(editMenu->property("opened").toBool());
+        QTest::keyClick(m_window, Qt::Key_Escape);
+        QTRY_VERIFY(!editMenu->property("visible").toBool());
+        QTRY_VERIFY(area->hasActiveFocus());
+
         auto *format = m_window->findChild<QQuickItem *>(u"formatButton"_s);
         QTest::mouseClick(m_window, Qt::LeftButton, {}, format->mapToScene(QPointF(10, 10)).toPoint());
         QTRY_VERIFY(area->hasActiveFocus());

@@ -205,4 +205,26 @@ TestCase {
         tryCompare(area, "activeFocus", true)
         compare(area.cursorPosition, 7)
     }
+
+    // The text's context menu from the keyboard: its entries act on the text.
+    function test_contextMenuByKeys() {
+        const editor = createTemporaryObject(editorComponent, testCase)
+        const area = editor.textEditor.textArea
+        area.forceActiveFocus()
+        area.selectAll()
+        typeText("select 1")
+        const menu = findChild(findChild(editor, "editorContextMenu"), "fieldMenu")
+        keyClick(Qt.Key_F10, Qt.ShiftModifier)
+        tryVerify(() => menu.opened)
+        const undo = menu.itemAt(0)
+        verify(undo.enabled)
+        const selectAll = menu.itemAt(7)
+        compare(selectAll.text, "Select All")
+        mouseClick(selectAll)
+        tryVerify(() => !menu.visible)
+        compare(area.selectedText, "select 1")
+        // Closed, it claims no keys: the text's own Ctrl+Z still works.
+        keyClick(Qt.Key_Z, Qt.ControlModifier)
+        verify(area.text !== "select 1")
+    }
 }

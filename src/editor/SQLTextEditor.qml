@@ -33,6 +33,9 @@ Item {
         horizontalPadding: 12
         verticalPadding: 16
         accessibleName: Tr.t("SQL", "SQL", "SQL")
+        // Makes the field one of the items screen readers list; what they read of it comes
+        // from the field's own accessible interface.
+        Accessible.role: Accessible.EditableText
         Component.onCompleted: {
             editor.controller.plainColor = Qt.binding(() => Theme.label)
             editor.controller.commentColor = Qt.binding(() => Theme.secondaryLabel)

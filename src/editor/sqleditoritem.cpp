@@ -342,8 +342,33 @@ void SQLEditorItem::contentsChange(int position, int removed, int added)
         Q_EMIT cursorPositionChanged();
         Q_EMIT selectionChanged();
     }
+    if (QAccessible::isActive() && !m_layout->isColouring())
+        announceTextChange(position, removed, added);
     Q_EMIT contentHeightChanged();
     update();
+}
+
+void SQLEditorItem::announceTextChange(int position, int removed, int added)
+{
+    QTextCursor inserted(m_document);
+    // A new text is counted with the document's closing separator, which is not text.
+    const int last = m_document->characterCount() - 1;
+    inserted.setPosition(std::min(position, last));
+    inserted.setPosition(std::min(position + added, last), QTextCursor::KeepAnchor);
+    QString text = inserted.selectedText();
+    text.replace(QChar::ParagraphSeparator, u'\n');
+    // The removed characters are gone from the document; screen readers get their count.
+    const QString gone(removed, u' ');
+    if (removed == 0) {
+        QAccessibleTextInsertEvent event(this, position, text);
+        QAccessible::updateAccessibility(&event);
+    } else if (text.isEmpty()) {
+        QAccessibleTextRemoveEvent event(this, position, gone);
+        QAccessible::updateAccessibility(&event);
+    } else {
+        QAccessibleTextUpdateEvent event(this, position, gone, text);
+        QAccessible::updateAccessibility(&event);
+    }
 }
 
 QRectF SQLEditorItem::lineRectangle(int position, int preeditOffset) const
@@ -628,7 +653,10 @@ void SQLEditorItem::cursorChanged(bool scroll)
     Q_EMIT selectionChanged();
     if (hasActiveFocus())
         QGuiApplication::inputMethod()->update(Qt::ImQueryInput);
-    if (QAccessible::isActive()) {
+    // One move is one announcement, however many paths report it.
+    if (QAccessible::isActive()
+        && std::pair(m_cursor.anchor(), m_cursor.position()) != m_announcedCursor) {
+        m_announcedCursor = {m_cursor.anchor(), m_cursor.position()};
         QAccessibleTextCursorEvent moved(this, m_cursor.position());
         QAccessible::updateAccessibility(&moved);
         if (m_cursor.hasSelection()) {

@@ -159,6 +159,8 @@ private:
     void selectAround(int position, SelectionUnit unit, bool extend);
     void dragTo(const QPointF &point);
     void autoScroll();
+    // Tells screen readers what an edit inserted and how much it removed.
+    void announceTextChange(int position, int removed, int added);
     void contentsChange(int position, int removed, int added);
     void documentSizeChanged();
     void scrollToLine(qreal y);
@@ -173,6 +175,8 @@ private:
     QTextDocument *m_document = nullptr;
     SQLTextLayout *m_layout = nullptr;
     QTextCursor m_cursor;
+    // The caret and anchor screen readers were last told of.
+    std::pair<int, int> m_announcedCursor{-1, -1};
     QFont m_font;
     QColor m_textColor = Qt::black;
     QColor m_selectionColor = QColor(0, 120, 215, 90);

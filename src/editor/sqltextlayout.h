@@ -34,6 +34,9 @@ public:
     // Colours `block` and wraps it to the width now if it is not laid out with its current
     // colours; true if its line count changed.
     bool ensureLaidOut(const QTextBlock &block);
+    // True while new colours are being handed to a block: the document reports them as a
+    // change of equal length, though no character changed.
+    [[nodiscard]] bool isColouring() const { return m_colouring; }
     [[nodiscard]] static bool isLaidOut(const QTextBlock &block);
     // The visual line count of the whole text, with the blocks not laid out counted as one.
     [[nodiscard]] int lineCount() const;

@@ -46,6 +46,14 @@ private:
     SQLEditorItem *m_item = nullptr;
 
     void setText(const QString &text) { m_item->document()->setPlainText(text); }
+    // What the item paints now, colouring the lines it shows first.
+    QImage paint()
+    {
+        QImage frame(m_item->size().toSize(), QImage::Format_ARGB32_Premultiplied);
+        QPainter painter(&frame);
+        m_item->paint(&painter);
+        return frame;
+    }
     void type(const QString &text)
     {
         for (const QChar c : text) {
@@ -314,12 +322,6 @@ private Q_SLOTS:
     {
         setText(u"select id from t;\nselect name from u;"_s);
         m_item->setFindHighlightColor(Qt::red);
-        const auto paint = [this] {
-            QImage frame(m_item->size().toSize(), QImage::Format_ARGB32_Premultiplied);
-            QPainter painter(&frame);
-            m_item->paint(&painter);
-            return frame;
-        };
         const auto redAt = [this](const QImage &frame, int position) {
             const QRectF caret = m_item->positionToRectangle(position);
             return frame.pixelColor(QPointF(caret.left() + 2, caret.top() + 2).toPoint()) == QColor(Qt::red);

@@ -28,6 +28,25 @@ using namespace Qt::StringLiterals;
 
 Q_IMPORT_QML_PLUGIN(VarnholtPlugin)
 
+namespace {
+
+// The first node under `root`, depth first, that `matches`.
+template<typename Predicate>
+QAccessibleInterface *findInTree(QAccessibleInterface *root, const Predicate &matches)
+{
+    if (!root)
+        return nullptr;
+    if (matches(root))
+        return root;
+    for (int i = 0; i < root->childCount(); ++i) {
+        if (QAccessibleInterface *found = findInTree(root->child(i), matches))
+            return found;
+    }
+    return nullptr;
+}
+
+} // namespace
+
 // The main window as a whole, driven by its keys: commands, fades, closing and saving.
 class TestMainWindow : public QObject
 {
@@ -165,6 +184,16 @@ private Q_SLOTS:
         for (const char c : QByteArray("select a,b from t"))
             QTest::keyClick(m_window, c);
         QTRY_COMPARE(store->selectedDocument()->content, u"select a,b from t"_s);
+        // The editor is reached from the window, as a screen reader walks the tree, and gives
+        // its text with line feeds.
+        QAccessibleInterface *editor = findInTree(QAccessible::queryAccessibleInterface(m_window),
+                                                  [](QAccessibleInterface *node) {
+                                                      return node->role() == QAccessible::EditableText
+                                                          && node->text(QAccessible::Name) == u"SQL"_s;
+                                                  });
+        QVERIFY(editor);
+        QVERIFY(editor->state().focused);
+        QCOMPARE(editor->textInterface()->text(0, 8), u"select a"_s);
         QAccessibleInterface *format = interfaceOf("formatButton");
         QVERIFY(format);
         QCOMPARE(format->role(), QAccessible::Button);

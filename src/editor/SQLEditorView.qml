@@ -127,7 +127,7 @@ Rectangle {
                     height: 8
                     radius: 4
                     color: Theme.orange
-                    Accessible.role: Accessible.Indicator
+                    Accessible.role: Accessible.StaticText
                     Accessible.name: Tr.t("Unsaved changes", "有未保存的更改", "未保存の変更")
                 }
                 Item {

@@ -156,10 +156,11 @@ Item {
         }
     }
 
-    Menu {
+    NamedMenu {
         id: contextMenu
 
         objectName: "documentMenu"
+        accessibleName: row.name
         MenuItem {
             text: Tr.t("Delete", "删除", "削除")
             icon.source: "image://icons/trash?color=" + encodeURIComponent(Theme.red.toString())

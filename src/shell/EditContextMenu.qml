@@ -39,10 +39,11 @@ Item {
         live: menu.visible
     }
 
-    Menu {
+    NamedMenu {
         id: menu
 
         objectName: "fieldMenu"
+        accessibleName: Tr.t("Edit", "编辑", "編集")
         // The keyboard goes back to the field, unless something else took it meanwhile (Qt
         // leaves it with the window's root item).
         onClosed: {

@@ -48,9 +48,15 @@ ApplicationWindow {
     }
 
     menuBar: MenuBar {
-        Menu {
+        // Screen readers hear an entry of the bar by its title as it reads, without the "&".
+        delegate: MenuBarItem {
+            Accessible.name: AppCommands.withoutMnemonic(text)
+        }
+
+        NamedMenu {
             id: fileMenu
 
+            objectName: "fileMenu"
             title: Tr.t("&File", "文件(&F)", "ファイル(&F)")
             delegate: MenuEntry {}
 
@@ -98,7 +104,7 @@ ApplicationWindow {
             }
         }
         // Edits go to the text field that has the keyboard: the editor, or any other field.
-        Menu {
+        NamedMenu {
             id: editMenu
 
             objectName: "editMenu"

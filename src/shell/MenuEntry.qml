@@ -10,6 +10,9 @@ MenuItem {
 
     readonly property string keys: action ? AppCommands.keysText(action.shortcut) : ""
 
+    // Its keys are read with its name; the labels below only draw both.
+    Accessible.description: keys
+
     implicitWidth: Math.max(implicitBackgroundWidth + leftInset + rightInset,
                             implicitContentWidth + leftPadding + rightPadding)
     contentItem: RowLayout {
@@ -18,11 +21,13 @@ MenuItem {
 
         Label {
             Layout.fillWidth: true
+            Accessible.ignored: true
             text: entry.text
             color: entry.highlighted ? entry.palette.highlightedText : entry.palette.windowText
         }
         Label {
             visible: entry.keys.length > 0
+            Accessible.ignored: true
             text: entry.keys
             color: entry.highlighted ? entry.palette.highlightedText : Theme.secondaryLabel
         }

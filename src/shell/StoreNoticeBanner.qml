@@ -81,7 +81,11 @@ Rectangle {
                                "別の Varnholt がこのデータフォルダーを使用しています。ここでの変更はそこに保存されません。残すには書き出してください：")
                 }
                 Detail {
-                    text: banner.dataDirectory + "\n" + banner.lockHolder
+                    text: banner.dataDirectory
+                }
+                Detail {
+                    visible: text.length > 0
+                    text: banner.lockHolder
                 }
             }
             SheetButton {

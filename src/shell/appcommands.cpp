@@ -72,3 +72,23 @@ QString AppCommands::keysText(const QVariant &shortcut)
         keys = QKeySequence(QKeySequence::StandardKey(shortcut.toInt()));
     return keys.toString(QKeySequence::NativeText);
 }
+
+QString AppCommands::withoutMnemonic(const QString &title)
+{
+    QString plain;
+    plain.reserve(title.size());
+    for (qsizetype i = 0; i < title.size(); ++i) {
+        if (title.at(i) == u'&') {
+            // "(&F)" after a Chinese or Japanese title marks the key by itself; it goes whole.
+            if (i > 0 && title.at(i - 1) == u'(' && i + 2 < title.size() && title.at(i + 2) == u')') {
+                plain.chop(1);
+                i += 2;
+                continue;
+            }
+            if (++i == title.size())
+                break;
+        }
+        plain.append(title.at(i));
+    }
+    return plain;
+}

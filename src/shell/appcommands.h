@@ -34,4 +34,6 @@ public:
     // The keys of an action's shortcut (a StandardKey or a text such as "Ctrl+E") as menus show
     // them on this desktop; empty for none.
     Q_INVOKABLE [[nodiscard]] static QString keysText(const QVariant &shortcut);
+    // A title as it reads, without the "&" that marks its access key ("&&" is one "&").
+    Q_INVOKABLE [[nodiscard]] static QString withoutMnemonic(const QString &title);
 };

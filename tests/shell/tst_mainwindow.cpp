@@ -1,3 +1,4 @@
+#include "appcommands.h"
 #include "appdelegate.h"
 #include "appengine.h"
 #include "appsettings.h"
@@ -210,6 +211,30 @@ private Q_SLOTS:
         QTRY_VERIFY(m_window->findChild<QObject *>(u"versionPanel"_s));
         QTRY_VERIFY(toggle->state().checked);
 
+        // The menu bar's entries are named as they read.
+        QAccessibleInterface *fileMenu = findInTree(QAccessible::queryAccessibleInterface(m_window),
+                                                    [](QAccessibleInterface *node) {
+                                                        return node->text(QAccessible::Name).endsWith(u"File"_s);
+                                                    });
+        QVERIFY(fileMenu);
+        QCOMPARE(fileMenu->text(QAccessible::Name), u"File"_s);
+        // An open menu is named by its title; its entries carry their keys (the first is New).
+        auto *menu = m_window->findChild<QObject *>(u"fileMenu"_s);
+        QTest::keyClick(m_window, Qt::Key_F10);
+        QTRY_VERIFY(menu->property("opened").toBool());
+        auto *menuList = menu->property("contentItem").value<QQuickItem *>();
+        QAccessibleInterface *menuFrame = QAccessible::queryAccessibleInterface(menuList->parentItem());
+        QCOMPARE(menuFrame->role(), QAccessible::PopupMenu);
+        QCOMPARE(menuFrame->text(QAccessible::Name), u"File"_s);
+        QAccessibleInterface *newEntry = findInTree(menuFrame,
+                                                    [](QAccessibleInterface *node) {
+                                                        return node->role() == QAccessible::MenuItem;
+                                                    });
+        QVERIFY(newEntry);
+        QCOMPARE(newEntry->text(QAccessible::Description), QKeySequence(u"Ctrl+N"_s).toString(QKeySequence::NativeText));
+        QTest::keyClick(m_window, Qt::Key_Escape);
+        QTRY_VERIFY(!menu->property("visible").toBool());
+
         auto *sidebar = m_window->findChild<QObject *>(u"sidebar"_s);
         auto *search = sidebar->property("searchField").value<QQuickItem *>();
         QCOMPARE(QAccessible::queryAccessibleInterface(search)->text(QAccessible::Name),
@@ -254,6 +279,24 @@ private Q_SLOTS:
         QCOMPARE(content->property("rightPanelWidth").toDouble(), width + 16);
         QTest::keyClick(m_window, Qt::Key_Right);
         QCOMPARE(content->property("rightPanelWidth").toDouble(), width);
+    }
+
+    void titlesReadWithoutAccessKeys_data()
+    {
+        QTest::addColumn<QString>("title");
+        QTest::addColumn<QString>("read");
+        QTest::newRow("marked letter") << u"&File"_s << u"File"_s;
+        QTest::newRow("key after a Chinese title") << u"文件(&F)"_s << u"文件"_s;
+        QTest::newRow("key after a Japanese title") << u"編集(&E)"_s << u"編集"_s;
+        QTest::newRow("doubled ampersand") << u"Save && &Quit"_s << u"Save & Quit"_s;
+        QTest::newRow("ampersand at the end") << u"Fish &"_s << u"Fish "_s;
+        QTest::newRow("none") << u"Edit"_s << u"Edit"_s;
+    }
+    void titlesReadWithoutAccessKeys()
+    {
+        QFETCH(QString, title);
+        QFETCH(QString, read);
+        QCOMPARE(AppCommands::withoutMnemonic(title), read);
     }
 
     // The next start finds the window where it was, at its size, with the same panel open.

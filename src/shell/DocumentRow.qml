@@ -3,8 +3,10 @@ import QtQuick.Controls
 import Varnholt
 
 // One document in the sidebar: its tile, name and age. While it is being deleted it takes
-// the look of the deletion's phase: crumpled, thrown, gone.
-Item {
+// the look of the deletion's phase: crumpled, thrown, gone. As the list's current row it holds
+// the list's keyboard focus, so that a screen reader follows the selection as the arrows move
+// it; the keys themselves are the list's.
+FocusScope {
     id: row
 
     required property string documentId
@@ -46,6 +48,7 @@ Item {
         x: 8
         width: row.width - 16
         implicitHeight: 48
+        focus: true
         focusPolicy: Qt.NoFocus
         hoverEnabled: true
         Accessible.role: Accessible.ListItem

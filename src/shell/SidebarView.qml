@@ -189,6 +189,8 @@ Rectangle {
             bottomMargin: 4
             model: documents
             keyNavigationEnabled: false
+            // The selected row is the current one, which the list gives its keyboard focus.
+            currentIndex: documents.selectedRow
             activeFocusOnTab: true
             boundsBehavior: Flickable.StopAtBounds
             ScrollBar.vertical: ScrollBar {
@@ -248,10 +250,10 @@ Rectangle {
                 positionViewAtIndex(row, ListView.Contain)
             }
             readonly property int pageRows: Math.max(1, Math.floor(height / 50) - 1)
-            Keys.onUpPressed: selectRow(Math.max(0, documents.selectedRow() - 1))
-            Keys.onDownPressed: selectRow(documents.selectedRow() < 0 ? 0 : documents.selectedRow() + 1)
+            Keys.onUpPressed: selectRow(Math.max(0, documents.selectedRow - 1))
+            Keys.onDownPressed: selectRow(documents.selectedRow < 0 ? 0 : documents.selectedRow + 1)
             Keys.onPressed: event => {
-                const row = documents.selectedRow()
+                const row = documents.selectedRow
                 if (event.key === Qt.Key_Home)
                     selectRow(0)
                 else if (event.key === Qt.Key_End)
@@ -272,7 +274,7 @@ Rectangle {
                 event.accepted = true
             }
             Keys.onDeletePressed: {
-                const id = documents.idAt(documents.selectedRow())
+                const id = documents.idAt(documents.selectedRow)
                 if (id !== "")
                     sidebar.startDeletion(id)
             }

@@ -32,6 +32,7 @@ DocumentListModel::DocumentListModel(DataStore *store, QObject *parent)
             if (m_rows.at(row).id == previous || m_rows.at(row).id == m_selectedId)
                 Q_EMIT dataChanged(index(row), index(row), {IsSelectedRole});
         }
+        updateSelectedRow();
     });
     connect(LanguageManager::shared(), &LanguageManager::currentLanguageChanged, this, [this] {
         if (!m_rows.isEmpty())
@@ -46,6 +47,7 @@ DocumentListModel::DocumentListModel(DataStore *store, QObject *parent)
     m_selectedId = store->selectedDocumentId();
     m_rows = listedRows();
     m_totalCount = int(store->documents().size());
+    updateSelectedRow();
 }
 
 int DocumentListModel::rowCount(const QModelIndex &parent) const
@@ -162,6 +164,7 @@ void DocumentListModel::refresh()
         m_rows = rows;
         endResetModel();
     }
+    updateSelectedRow();
     if (m_rows.size() != oldCount)
         Q_EMIT countChanged();
     const int total = m_store ? int(m_store->documents().size()) : 0;
@@ -177,13 +180,19 @@ void DocumentListModel::select(const QString &id)
         m_store->setSelectedDocumentId(QUuid::fromString(id));
 }
 
-int DocumentListModel::selectedRow() const
+void DocumentListModel::updateSelectedRow()
 {
+    int selected = -1;
     for (qsizetype row = 0; row < m_rows.size(); ++row) {
-        if (m_rows.at(row).id == m_selectedId)
-            return int(row);
+        if (m_rows.at(row).id == m_selectedId) {
+            selected = int(row);
+            break;
+        }
     }
-    return -1;
+    if (selected == m_selectedRow)
+        return;
+    m_selectedRow = selected;
+    Q_EMIT selectedRowChanged();
 }
 
 void DocumentListModel::selectRow(int row)

@@ -19,6 +19,7 @@ class DocumentListModel : public QAbstractListModel
     Q_PROPERTY(QString searchText READ searchText WRITE setSearchText NOTIFY searchTextChanged)
     Q_PROPERTY(int totalCount READ totalCount NOTIFY totalCountChanged)
     Q_PROPERTY(int count READ rowCount NOTIFY countChanged)
+    Q_PROPERTY(int selectedRow READ selectedRow NOTIFY selectedRowChanged)
 
 public:
     enum Role {
@@ -45,7 +46,7 @@ public:
     Q_INVOKABLE void select(const QString &id);
     // The selected document's row, or -1 (the list's keys work from here whether or not the
     // row is in view); selectRow() selects the document at a row, if there is one.
-    Q_INVOKABLE [[nodiscard]] int selectedRow() const;
+    [[nodiscard]] int selectedRow() const { return m_selectedRow; }
     Q_INVOKABLE void selectRow(int row);
     Q_INVOKABLE [[nodiscard]] QString idAt(int row) const;
     Q_INVOKABLE void deleteDocument(const QString &id);
@@ -62,6 +63,7 @@ Q_SIGNALS:
     void searchTextChanged();
     void totalCountChanged();
     void countChanged();
+    void selectedRowChanged();
 
 private:
     struct Row
@@ -72,12 +74,14 @@ private:
     };
 
     void refresh();
+    void updateSelectedRow();
     [[nodiscard]] QList<Row> listedRows() const;
 
     QPointer<DataStore> m_store;
     QString m_searchText;
     QList<Row> m_rows;
     QUuid m_selectedId;
+    int m_selectedRow = -1;
     int m_totalCount = 0;
     // Relative times ("5 min. ago") age while nothing changes.
     QTimer m_clockTimer;

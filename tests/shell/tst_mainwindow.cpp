@@ -243,21 +243,38 @@ private Q_SLOTS:
         auto *list = sidebar->property("list").value<QQuickItem *>();
         QAccessibleInterface *listInterface = QAccessible::queryAccessibleInterface(list);
         QCOMPARE(listInterface->role(), QAccessible::List);
-        int selectedRows = 0;
-        QList<QQuickItem *> cards{list};
-        for (qsizetype i = 0; i < cards.size(); ++i) // the rows are visual children, not owned ones
-            cards.append(cards.at(i)->childItems());
-        for (QQuickItem *card : std::as_const(cards)) {
-            QAccessibleInterface *row = QAccessible::queryAccessibleInterface(card);
-            if (!row || row->role() != QAccessible::ListItem)
-                continue;
-            QVERIFY(row->state().selectable);
-            if (row->state().selected) {
-                ++selectedRows;
-                QCOMPARE(row->text(QAccessible::Name), store->selectedDocument()->name);
+        const auto rows = [list] {
+            QList<QAccessibleInterface *> found;
+            QList<QQuickItem *> items{list};
+            for (qsizetype i = 0; i < items.size(); ++i) // the rows are visual children, not owned ones
+                items.append(items.at(i)->childItems());
+            for (QQuickItem *item : std::as_const(items)) {
+                QAccessibleInterface *row = QAccessible::queryAccessibleInterface(item);
+                if (row && row->role() == QAccessible::ListItem && !row->state().invisible)
+                    found.append(row);
             }
-        }
-        QCOMPARE(selectedRows, 1);
+            return found;
+        };
+        // The names of the rows that are selected, or that have the focus.
+        const auto rowsThatAre = [&rows](bool focusedOnly) {
+            QStringList names;
+            for (QAccessibleInterface *row : rows()) {
+                if (focusedOnly ? row->state().focused : row->state().selected)
+                    names.append(row->text(QAccessible::Name));
+            }
+            return names;
+        };
+        QVERIFY(rows().size() >= 2);
+        for (QAccessibleInterface *row : rows())
+            QVERIFY(row->state().selectable);
+        QCOMPARE(rowsThatAre(false), QStringList{store->selectedDocument()->name});
+        // With the list focused the selected row has the focus, and it moves with the selection.
+        list->forceActiveFocus();
+        QCOMPARE(rowsThatAre(true), QStringList{store->selectedDocument()->name});
+        const QUuid before = store->selectedDocumentId();
+        QTest::keyClick(m_window, Qt::Key_Down);
+        QVERIFY(store->selectedDocumentId() != before);
+        QTRY_COMPARE(rowsThatAre(true), QStringList{store->selectedDocument()->name});
 
         // A sheet is a dialog named by its title.
         auto *sheet = sidebar->property("newDocumentSheet").value<QObject *>();

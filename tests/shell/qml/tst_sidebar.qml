@@ -167,15 +167,15 @@ TestCase {
         const list = sidebar.list
         list.forceActiveFocus()
         keyClick(Qt.Key_End)
-        compare(model.selectedRow(), model.count - 1)
+        compare(model.selectedRow, model.count - 1)
         list.positionViewAtBeginning()
         keyClick(Qt.Key_Up)
-        compare(model.selectedRow(), model.count - 2)
+        compare(model.selectedRow, model.count - 2)
         keyClick(Qt.Key_Home)
-        compare(model.selectedRow(), 0)
+        compare(model.selectedRow, 0)
         keyClick(Qt.Key_PageDown)
-        verify(model.selectedRow() > 3)
-        tryVerify(() => rowAt(sidebar, model.selectedRow()).isSelected)
+        verify(model.selectedRow > 3)
+        tryVerify(() => rowAt(sidebar, model.selectedRow).isSelected)
     }
 
     function test_hoverMarksTheRow() {

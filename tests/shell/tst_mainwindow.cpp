@@ -298,6 +298,35 @@ private Q_SLOTS:
         QCOMPARE(content->property("rightPanelWidth").toDouble(), width);
     }
 
+    // Text sizes are the design's for the usual 10-point desktop font, scaled by the desktop's
+    // own font however it is given.
+    void textFollowsTheDesktopFont_data()
+    {
+        QTest::addColumn<QFont>("desktopFont");
+        QTest::addColumn<int>("pixels"); // of a subheadline, 11 pixels by the design, and one more
+        QFont points;
+        points.setPointSize(10);
+        QTest::newRow("10 points") << points << 12;
+        points.setPointSize(15);
+        QTest::newRow("15 points") << points << 18;
+        QFont pixels;
+        pixels.setPixelSize(26);
+        QTest::newRow("26 pixels") << pixels << 23;
+    }
+    void textFollowsTheDesktopFont()
+    {
+        QFETCH(QFont, desktopFont);
+        QFETCH(int, pixels);
+        const QFont before = QGuiApplication::font();
+        cleanup();
+        QGuiApplication::setFont(desktopFont);
+        const bool opened = openWindow() != nullptr;
+        QGuiApplication::setFont(before);
+        QVERIFY(opened);
+        auto *text = m_window->findChild<QObject *>(u"emptyListText"_s);
+        QCOMPARE(text->property("font").value<QFont>().pixelSize(), pixels);
+    }
+
     void titlesReadWithoutAccessKeys_data()
     {
         QTest::addColumn<QString>("title");

@@ -467,6 +467,9 @@ Rectangle {
                     Layout.fillWidth: true
                     // One to four lines.
                     Layout.preferredHeight: Math.min(input.implicitHeight, input.font.pixelSize * 1.35 * 4 + 20)
+                    // Lines wrap: there is nothing to scroll across.
+                    ScrollBar.horizontal.policy: ScrollBar.AlwaysOff
+                    ScrollBar.vertical.Accessible.name: input.Accessible.name
 
                     TextArea {
                         id: input
@@ -481,7 +484,7 @@ Rectangle {
                         font.pixelSize: Theme.bodySize
                         color: Theme.label
                         padding: 10
-                        Accessible.name: placeholderText
+                        Accessible.name: Tr.t("Question", "问题", "質問")
                         background: Rectangle {
                             radius: 10
                             color: Theme.controlBackground

@@ -80,6 +80,11 @@ Rectangle {
 
         required property string label
 
+        function toggleAsClicked() {
+            toggle.toggle()
+            toggle.toggled()
+        }
+
         checkable: true
         focusPolicy: Qt.StrongFocus
         hoverEnabled: true
@@ -88,7 +93,10 @@ Rectangle {
         Accessible.name: text
         Accessible.checkable: true
         Accessible.checked: checked
-        Accessible.onPressAction: toggle()
+        // Press and Toggle from assistive technology act as a click: the option changes and
+        // says so, which is what sets the search.
+        Accessible.onPressAction: toggleAsClicked()
+        Accessible.onToggleAction: toggleAsClicked()
         ToolTip.visible: hovered
         ToolTip.delay: 500
         ToolTip.text: text

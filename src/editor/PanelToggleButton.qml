@@ -27,6 +27,7 @@ AbstractButton {
     Accessible.checkable: true
     Accessible.checked: checked
     Accessible.onPressAction: clicked()
+    Accessible.onToggleAction: clicked()
     ToolTip.visible: hovered
     ToolTip.delay: 500
     ToolTip.text: helpText

@@ -60,6 +60,7 @@ Rectangle {
                 Accessible.role: Accessible.PageTab
                 Accessible.name: text
                 Accessible.onPressAction: clicked()
+                Accessible.onToggleAction: clicked()
                 Keys.onLeftPressed: picker.step(index, -1)
                 Keys.onRightPressed: picker.step(index, 1)
                 onClicked: picker.activated(modelData.value)

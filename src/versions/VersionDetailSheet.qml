@@ -394,6 +394,7 @@ SheetFrame {
         Accessible.name: text
         Accessible.checked: chosen
         Accessible.onPressAction: clicked()
+        Accessible.onToggleAction: clicked()
         onClicked: sheet.compareMode = mode
 
         contentItem: Label {

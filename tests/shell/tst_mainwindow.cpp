@@ -195,6 +195,16 @@ private Q_SLOTS:
         QVERIFY(editor);
         QVERIFY(editor->state().focused);
         QCOMPARE(editor->textInterface()->text(0, 8), u"select a"_s);
+        // The find bar's options answer Press and Toggle as a click.
+        QTest::keyClick(m_window, Qt::Key_F, Qt::ControlModifier);
+        auto *finder = m_window->findChild<QQuickItem *>(u"sqlTextArea"_s)->property("finder").value<QObject *>();
+        QTRY_VERIFY(interfaceOf("matchCase"));
+        interfaceOf("matchCase")->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+        QVERIFY(finder->property("caseSensitive").toBool());
+        interfaceOf("matchCase")->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
+        QVERIFY(!finder->property("caseSensitive").toBool());
+        QTest::keyClick(m_window, Qt::Key_Escape);
+
         QAccessibleInterface *format = interfaceOf("formatButton");
         QVERIFY(format);
         QCOMPARE(format->role(), QAccessible::Button);
@@ -210,6 +220,12 @@ private Q_SLOTS:
         toggle->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
         QTRY_VERIFY(m_window->findChild<QObject *>(u"versionPanel"_s));
         QTRY_VERIFY(toggle->state().checked);
+        // A screen reader's first action on a check box is Toggle; it closes the panel again.
+        toggle->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
+        QTRY_VERIFY(!toggle->state().checked);
+        QTRY_VERIFY(!m_window->findChild<QObject *>(u"versionPanel"_s));
+        toggle->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
+        QTRY_VERIFY(m_window->findChild<QObject *>(u"versionPanel"_s));
 
         // The menu bar's entries are named as they read.
         QAccessibleInterface *fileMenu = findInTree(QAccessible::queryAccessibleInterface(m_window),

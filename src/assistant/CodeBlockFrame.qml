@@ -144,6 +144,7 @@ Rectangle {
             id: horizontalBar
 
             policy: codeArea.contentWidth > codeArea.width ? ScrollBar.AlwaysOn : ScrollBar.AlwaysOff
+            Accessible.name: frame.label
         }
 
         TextEdit {

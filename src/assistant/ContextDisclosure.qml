@@ -26,6 +26,7 @@ ColumnLayout {
         Accessible.name: text
         Accessible.checked: disclosure.expanded
         Accessible.onPressAction: clicked()
+        Accessible.onToggleAction: clicked()
         onClicked: disclosure.expanded = !disclosure.expanded
         padding: 2
         contentItem: Row {
@@ -54,6 +55,7 @@ ColumnLayout {
 
     ScrollView {
         objectName: "contextView"
+        ScrollBar.vertical.Accessible.name: Tr.t("Context", "上下文", "コンテキスト")
         visible: disclosure.expanded
         Layout.fillWidth: true
         Layout.preferredHeight: Math.min(contextColumn.implicitHeight, 220)

@@ -51,6 +51,7 @@ Rectangle {
         }
 
         ScrollView {
+            ScrollBar.vertical.Accessible.name: errorField.Accessible.name
             Layout.fillWidth: true
             Layout.preferredHeight: 80
 

@@ -81,6 +81,7 @@ SheetFrame {
                 color: Theme.secondaryLabel
             }
             ScrollView {
+                ScrollBar.vertical.Accessible.name: noteField.Accessible.name
                 Layout.fillWidth: true
                 Layout.preferredHeight: 64
 

@@ -152,6 +152,7 @@ SheetFrame {
                 color: Theme.secondaryLabel
             }
             ScrollView {
+                ScrollBar.vertical.Accessible.name: contentField.Accessible.name
                 Layout.fillWidth: true
                 Layout.preferredHeight: 80
 

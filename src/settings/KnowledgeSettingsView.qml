@@ -180,7 +180,9 @@ Item {
                 model: knowledge
                 boundsBehavior: Flickable.StopAtBounds
                 reuseItems: true
-                ScrollBar.vertical: ScrollBar {}
+                ScrollBar.vertical: ScrollBar {
+                    Accessible.name: Tr.t("Knowledge Base", "知识库", "ナレッジベース")
+                }
 
                 section.property: "categoryKey"
                 section.delegate: RowLayout {

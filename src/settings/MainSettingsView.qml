@@ -11,6 +11,7 @@ ScrollView {
     contentWidth: availableWidth
     contentHeight: column.implicitHeight + 32
     ScrollBar.horizontal.policy: ScrollBar.AlwaysOff
+    ScrollBar.vertical.Accessible.name: Tr.t("Settings", "设置", "設定")
 
     AIConnectionController {
         id: connection

@@ -98,7 +98,9 @@ FormTextField {
             model: field.controller.models
             highlightMoveDuration: 0
             boundsBehavior: Flickable.StopAtBounds
-            ScrollBar.vertical: ScrollBar {}
+            ScrollBar.vertical: ScrollBar {
+                Accessible.name: field.accessibleName
+            }
 
             delegate: ItemDelegate {
                 id: entry

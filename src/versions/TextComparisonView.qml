@@ -32,7 +32,9 @@ Item {
         clip: true
         boundsBehavior: Flickable.StopAtBounds
         model: view.visible ? comparison : null
-        ScrollBar.vertical: ScrollBar {}
+        ScrollBar.vertical: ScrollBar {
+            Accessible.name: Tr.t("Comparison", "对比", "比較")
+        }
         Accessible.role: Accessible.List
         Accessible.name: Tr.t("Comparison", "对比", "比較")
 

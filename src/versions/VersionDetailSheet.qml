@@ -240,7 +240,9 @@ SheetFrame {
                     clip: true
                     boundsBehavior: Flickable.StopAtBounds
                     model: sheet.showsLines ? lines : null
-                    ScrollBar.vertical: ScrollBar {}
+                    ScrollBar.vertical: ScrollBar {
+                        Accessible.name: Tr.t("Version text", "版本内容", "バージョンの内容")
+                    }
                     Accessible.role: Accessible.List
                     Accessible.name: Tr.t("Version text", "版本内容", "バージョンの内容")
 
@@ -260,6 +262,7 @@ SheetFrame {
                 ScrollView {
                     id: scroller
 
+                    ScrollBar.vertical.Accessible.name: versionText.Accessible.name
                     visible: sheet.compareMode === 0 && sheet.version.content !== "" && !sheet.showsLines
                     anchors.fill: parent
                     contentWidth: availableWidth

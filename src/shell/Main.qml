@@ -48,9 +48,21 @@ ApplicationWindow {
     }
 
     menuBar: MenuBar {
-        // Screen readers hear an entry of the bar by its title as it reads, without the "&".
         delegate: MenuBarItem {
-            Accessible.name: AppCommands.withoutMnemonic(text)
+            id: barEntry
+
+            // Qt 6.4 reports an entry of the bar as a bar itself, named with its "&": screen
+            // readers see the item below in its place, a menu item named as the title reads.
+            Accessible.ignored: true
+
+            Item {
+                anchors.fill: parent
+                Accessible.role: Accessible.MenuItem
+                Accessible.name: AppCommands.withoutMnemonic(barEntry.text)
+                // Press opens the menu, which takes the keyboard; the entry itself never does.
+                Accessible.focusable: false
+                Accessible.onPressAction: barEntry.triggered()
+            }
         }
 
         NamedMenu {

@@ -251,6 +251,10 @@ private Q_SLOTS:
         QCOMPARE(newEntry->text(QAccessible::Description), QKeySequence(u"Ctrl+N"_s).toString(QKeySequence::NativeText));
         QTest::keyClick(m_window, Qt::Key_Escape);
         QTRY_VERIFY(!menu->property("visible").toBool());
+        QTest::keyClick(m_window, Qt::Key_F10); // as on the rest of the desktop
+        QTRY_VERIFY(menu->property("opened").toBool());
+        QTest::keyClick(m_window, Qt::Key_Escape);
+        QTRY_VERIFY(!menu->property("visible").toBool());
 
         auto *sidebar = m_window->findChild<QObject *>(u"sidebar"_s);
         auto *search = sidebar->property("searchField").value<QQuickItem *>();

@@ -23,12 +23,15 @@ Item {
         isEditing = false
     }
 
-    implicitWidth: isEditing ? Math.max(160, field.implicitWidth) : label.implicitWidth
+    // Whole pixels: a layout rounds what it gives, and a name given a fraction of a pixel less
+    // than it needs is elided though the header has room.
+    implicitWidth: Math.ceil(isEditing ? Math.max(160, field.implicitWidth) : label.implicitWidth)
     implicitHeight: Math.max(label.implicitHeight, 24)
 
     Label {
         id: label
 
+        objectName: "documentNameText"
         anchors.verticalCenter: parent.verticalCenter
         width: parent.width
         visible: !control.isEditing

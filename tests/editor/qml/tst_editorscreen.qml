@@ -117,6 +117,18 @@ TestCase {
         tryCompare(editor.controller, "documentName", "Renamed")
     }
 
+    // A name is shown whole while the header has room for it.
+    function test_nameUsesTheHeadersWidth() {
+        const editor = createTemporaryObject(editorComponent, testCase)
+        const text = findNamed(editor, "documentNameText")
+        for (const name of ["Monthly revenue", "Schema: orders", "用户留存分析", "在庫レポート", "x", "SELECT 1 AS one"]) {
+            editor.controller.renameDocument(name)
+            tryCompare(text, "text", name)
+            waitForRendering(editor)
+            verify(!text.truncated, name)
+        }
+    }
+
     function test_panelSwitches() {
         const editor = createTemporaryObject(editorComponent, testCase)
         mouseClick(findNamed(editor, "versionsToggle"))

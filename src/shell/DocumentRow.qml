@@ -167,6 +167,7 @@ FocusScope {
         MenuItem {
             text: Tr.t("Delete", "删除", "削除")
             icon.source: "image://icons/trash?color=" + encodeURIComponent(Theme.red.toString())
+            Accessible.onPressAction: triggered()
             onTriggered: row.deleteRequested(row.documentId)
         }
     }

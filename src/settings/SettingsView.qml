@@ -15,6 +15,8 @@ Rectangle {
         implicitHeight: 52
         focusPolicy: Qt.StrongFocus
         Accessible.name: text
+        // Qt offers a tab no action of its own; Press opens it, as a click does.
+        Accessible.onPressAction: TabBar.tabBar.setCurrentIndex(TabBar.index)
 
         contentItem: Column {
             spacing: 3
@@ -53,6 +55,7 @@ Rectangle {
             id: tabs
 
             objectName: "settingsTabs"
+            Accessible.name: Tr.t("Settings", "设置", "設定")
             Layout.alignment: Qt.AlignHCenter
             Layout.topMargin: 6
             spacing: 4

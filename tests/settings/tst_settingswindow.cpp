@@ -1,8 +1,10 @@
 #include "appengine.h"
 #include "testenvironment.h"
 
+#include <QAccessible>
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
+#include <QQuickItem>
 #include <QQuickWindow>
 #include <QTest>
 #include <QtQml/qqmlextensionplugin.h>
@@ -60,6 +62,27 @@ private Q_SLOTS:
         QVERIFY(settingsWindows().isEmpty());
         QMetaObject::invokeMethod(main, "showSettings");
         QTRY_COMPARE(settingsWindows().size(), 1);
+    }
+
+    // A screen reader finds the tabs by name and opens them with Press.
+    void tabsOpenByPress()
+    {
+        QAccessible::setActive(true);
+        QQmlApplicationEngine engine;
+        configureEngine(&engine);
+        engine.load(QUrl(u"qrc:/Varnholt/Main.qml"_s));
+        auto *main = qobject_cast<QQuickWindow *>(engine.rootObjects().constFirst());
+        QMetaObject::invokeMethod(main, "showSettings");
+        QTRY_COMPARE(settingsWindows().size(), 1);
+        auto *tabs = settingsWindows().constFirst()->findChild<QQuickItem *>(u"settingsTabs"_s);
+        QAccessibleInterface *tabList = QAccessible::queryAccessibleInterface(tabs);
+        QCOMPARE(tabList->text(QAccessible::Name), u"Settings"_s);
+        QCOMPARE(tabList->childCount(), 3);
+        QAccessibleInterface *about = tabList->child(2);
+        QCOMPARE(about->role(), QAccessible::PageTab);
+        QCOMPARE(about->text(QAccessible::Name), u"About"_s);
+        about->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+        QCOMPARE(tabs->property("currentIndex").toInt(), 2);
     }
 };
 

@@ -463,13 +463,11 @@ Rectangle {
                 Layout.fillWidth: true
                 spacing: 8
 
-                ScrollView {
+                WrappedTextScrollView {
                     Layout.fillWidth: true
                     // One to four lines.
                     Layout.preferredHeight: Math.min(input.implicitHeight, input.font.pixelSize * 1.35 * 4 + 20)
-                    // Lines wrap: there is nothing to scroll across.
-                    ScrollBar.horizontal.policy: ScrollBar.AlwaysOff
-                    ScrollBar.vertical.Accessible.name: input.Accessible.name
+                    scrolledName: input.Accessible.name
 
                     TextArea {
                         id: input

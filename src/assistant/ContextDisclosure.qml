@@ -53,9 +53,9 @@ ColumnLayout {
         }
     }
 
-    ScrollView {
+    WrappedTextScrollView {
         objectName: "contextView"
-        ScrollBar.vertical.Accessible.name: Tr.t("Context", "上下文", "コンテキスト")
+        scrolledName: Tr.t("Context", "上下文", "コンテキスト")
         visible: disclosure.expanded
         Layout.fillWidth: true
         Layout.preferredHeight: Math.min(contextColumn.implicitHeight, 220)

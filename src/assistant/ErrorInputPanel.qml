@@ -50,8 +50,8 @@ Rectangle {
             }
         }
 
-        ScrollView {
-            ScrollBar.vertical.Accessible.name: errorField.Accessible.name
+        WrappedTextScrollView {
+            scrolledName: errorField.Accessible.name
             Layout.fillWidth: true
             Layout.preferredHeight: 80
 

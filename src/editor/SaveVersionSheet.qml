@@ -80,8 +80,8 @@ SheetFrame {
                 font.pixelSize: Theme.subheadlineSize
                 color: Theme.secondaryLabel
             }
-            ScrollView {
-                ScrollBar.vertical.Accessible.name: noteField.Accessible.name
+            WrappedTextScrollView {
+                scrolledName: noteField.Accessible.name
                 Layout.fillWidth: true
                 Layout.preferredHeight: 64
 

@@ -151,8 +151,8 @@ SheetFrame {
                 font.pixelSize: Theme.subheadlineSize
                 color: Theme.secondaryLabel
             }
-            ScrollView {
-                ScrollBar.vertical.Accessible.name: contentField.Accessible.name
+            WrappedTextScrollView {
+                scrolledName: contentField.Accessible.name
                 Layout.fillWidth: true
                 Layout.preferredHeight: 80
 

@@ -26,6 +26,7 @@ Item {
     readonly property color accent: isLatest ? Theme.green : Theme.cyan
 
     implicitHeight: card.implicitHeight + 6
+    // The row reads as one item, by this name; its labels are hidden from assistive technology.
     Accessible.role: Accessible.ListItem
     Accessible.name: "v" + versionNumber + (isLatest ? ", " + Tr.t("Latest", "最新", "最新") : "") + ", " + note
                      + ", " + formattedDate
@@ -101,6 +102,7 @@ Item {
                 spacing: 6
 
                 Label {
+                    Accessible.ignored: true
                     text: "v" + row.versionNumber
                     font.pixelSize: Theme.captionSize
                     font.weight: Font.DemiBold
@@ -115,6 +117,7 @@ Item {
                     }
                 }
                 Label {
+                    Accessible.ignored: true
                     visible: row.isLatest
                     text: Tr.t("Latest", "最新", "最新")
                     font.pixelSize: Theme.caption2Size
@@ -133,12 +136,14 @@ Item {
                     Layout.fillWidth: true
                 }
                 Label {
+                    Accessible.ignored: true
                     text: row.relativeTime
                     font.pixelSize: Theme.caption2Size
                     color: Theme.tertiaryLabel
                 }
             }
             Label {
+                Accessible.ignored: true
                 visible: row.note !== ""
                 Layout.fillWidth: true
                 text: row.note
@@ -147,6 +152,7 @@ Item {
                 color: Theme.label
             }
             Label {
+                Accessible.ignored: true
                 text: row.formattedDate
                 font.pixelSize: Theme.caption2Size
                 color: Theme.tertiaryLabel

@@ -85,9 +85,20 @@ Item {
                     }
                 }
                 Switch {
+                    id: autoRecordSwitch
+
+                    // Toggle and Press from assistive technology act as a click, which is what
+                    // changes the setting.
+                    function toggleAsClicked() {
+                        autoRecordSwitch.toggle()
+                        autoRecordSwitch.toggled()
+                    }
+
                     objectName: "autoRecordSwitch"
                     checked: DataStore.knowledgeAutoRecordingEnabled
                     Accessible.name: Tr.t("Auto-record knowledge", "自动记录知识点", "知識を自動記録")
+                    Accessible.onToggleAction: toggleAsClicked()
+                    Accessible.onPressAction: toggleAsClicked()
                     onToggled: DataStore.knowledgeAutoRecordingEnabled = checked
                 }
             }

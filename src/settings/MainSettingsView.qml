@@ -86,8 +86,9 @@ ScrollView {
                     snapMode: Slider.SnapAlways
                     value: Preferences.editorFontSize
                     Accessible.name: Tr.t("Font Size", "字体大小", "フォントサイズ")
-                    // Written as it moves: the editor follows at once.
-                    onMoved: Preferences.editorFontSize = value
+                    // Written as it moves, by the pointer, the keys or a screen reader: the editor
+                    // follows at once.
+                    onValueChanged: Preferences.editorFontSize = value
                 }
                 Label {
                     objectName: "fontSizeValue"

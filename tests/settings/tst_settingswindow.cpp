@@ -1,4 +1,6 @@
 #include "appengine.h"
+#include "datastore.h"
+#include "preferences.h"
 #include "testenvironment.h"
 
 #include <QAccessible>
@@ -64,6 +66,30 @@ private Q_SLOTS:
         QTRY_COMPARE(settingsWindows().size(), 1);
     }
 
+    // The editor's font size follows the slider when a screen reader moves it, by its actions
+    // or by setting its value.
+    void fontSizeByScreenReader()
+    {
+        QAccessible::setActive(true);
+        QQmlApplicationEngine engine;
+        configureEngine(&engine);
+        engine.load(QUrl(u"qrc:/Varnholt/Main.qml"_s));
+        auto *main = qobject_cast<QQuickWindow *>(engine.rootObjects().constFirst());
+        QMetaObject::invokeMethod(main, "showSettings");
+        QTRY_COMPARE(settingsWindows().size(), 1);
+        auto *slider = settingsWindows().constFirst()->findChild<QQuickItem *>(u"fontSizeSlider"_s);
+        QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(slider);
+        Preferences *preferences = Preferences::shared();
+        const double size = preferences->editorFontSize();
+        accessible->actionInterface()->doAction(QAccessibleActionInterface::increaseAction());
+        QCOMPARE(preferences->editorFontSize(), size + 1);
+        accessible->actionInterface()->doAction(QAccessibleActionInterface::decreaseAction());
+        QCOMPARE(preferences->editorFontSize(), size);
+        accessible->valueInterface()->setCurrentValue(size + 3);
+        QCOMPARE(preferences->editorFontSize(), size + 3);
+        accessible->valueInterface()->setCurrentValue(size);
+    }
+
     // A screen reader finds the tabs by name and opens them with Press.
     void tabsOpenByPress()
     {
@@ -83,6 +109,19 @@ private Q_SLOTS:
         QCOMPARE(about->text(QAccessible::Name), u"About"_s);
         about->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
         QCOMPARE(tabs->property("currentIndex").toInt(), 2);
+
+        // The knowledge tab's switch answers Toggle as a click: the setting changes.
+        tabList->child(1)->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+        auto *autoRecord = settingsWindows().constFirst()->findChild<QQuickItem *>(u"autoRecordSwitch"_s);
+        QTRY_VERIFY(autoRecord && autoRecord->isVisible());
+        DataStore *store = DataStore::shared();
+        const bool recording = store->knowledgeAutoRecordingEnabled();
+        QAccessibleInterface *toggle = QAccessible::queryAccessibleInterface(autoRecord);
+        toggle->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
+        QCOMPARE(store->knowledgeAutoRecordingEnabled(), !recording);
+        toggle->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+        QCOMPARE(store->knowledgeAutoRecordingEnabled(), recording);
+        QCOMPARE(autoRecord->property("checked").toBool(), recording);
     }
 };
 

@@ -33,6 +33,19 @@ private:
         return found;
     }
 
+    // The settings window, opened from the main window of `engine` while a screen reader
+    // listens; null if it did not open.
+    [[nodiscard]] static QQuickWindow *openSettings(QQmlApplicationEngine &engine)
+    {
+        QAccessible::setActive(true);
+        configureEngine(&engine);
+        engine.load(QUrl(u"qrc:/Varnholt/Main.qml"_s));
+        QMetaObject::invokeMethod(engine.rootObjects().constFirst(), "showSettings");
+        if (!QTest::qWaitFor([] { return settingsWindows().size() == 1; }))
+            return nullptr;
+        return settingsWindows().constFirst();
+    }
+
 private Q_SLOTS:
     void openedFromTheMenuOnceAtATime()
     {
@@ -70,14 +83,10 @@ private Q_SLOTS:
     // or by setting its value.
     void fontSizeByScreenReader()
     {
-        QAccessible::setActive(true);
         QQmlApplicationEngine engine;
-        configureEngine(&engine);
-        engine.load(QUrl(u"qrc:/Varnholt/Main.qml"_s));
-        auto *main = qobject_cast<QQuickWindow *>(engine.rootObjects().constFirst());
-        QMetaObject::invokeMethod(main, "showSettings");
-        QTRY_COMPARE(settingsWindows().size(), 1);
-        auto *slider = settingsWindows().constFirst()->findChild<QQuickItem *>(u"fontSizeSlider"_s);
+        QQuickWindow *settings = openSettings(engine);
+        QVERIFY(settings);
+        auto *slider = settings->findChild<QQuickItem *>(u"fontSizeSlider"_s);
         QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(slider);
         Preferences *preferences = Preferences::shared();
         const double size = preferences->editorFontSize();
@@ -93,14 +102,10 @@ private Q_SLOTS:
     // A screen reader finds the tabs by name and opens them with Press.
     void tabsOpenByPress()
     {
-        QAccessible::setActive(true);
         QQmlApplicationEngine engine;
-        configureEngine(&engine);
-        engine.load(QUrl(u"qrc:/Varnholt/Main.qml"_s));
-        auto *main = qobject_cast<QQuickWindow *>(engine.rootObjects().constFirst());
-        QMetaObject::invokeMethod(main, "showSettings");
-        QTRY_COMPARE(settingsWindows().size(), 1);
-        auto *tabs = settingsWindows().constFirst()->findChild<QQuickItem *>(u"settingsTabs"_s);
+        QQuickWindow *settings = openSettings(engine);
+        QVERIFY(settings);
+        auto *tabs = settings->findChild<QQuickItem *>(u"settingsTabs"_s);
         QAccessibleInterface *tabList = QAccessible::queryAccessibleInterface(tabs);
         QCOMPARE(tabList->text(QAccessible::Name), u"Settings"_s);
         QCOMPARE(tabList->childCount(), 3);
@@ -112,7 +117,7 @@ private Q_SLOTS:
 
         // The knowledge tab's switch answers Toggle as a click: the setting changes.
         tabList->child(1)->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
-        auto *autoRecord = settingsWindows().constFirst()->findChild<QQuickItem *>(u"autoRecordSwitch"_s);
+        auto *autoRecord = settings->findChild<QQuickItem *>(u"autoRecordSwitch"_s);
         QTRY_VERIFY(autoRecord && autoRecord->isVisible());
         DataStore *store = DataStore::shared();
         const bool recording = store->knowledgeAutoRecordingEnabled();
